@@ -1,0 +1,71 @@
+#include "RcList.h"
+
+#include <QDebug>
+#include <QDir>
+#include <QFileInfo>
+
+namespace {
+
+// Installers build shell command lines from these names and run them as root, so a name
+// that could end or redirect a command is never offered.
+bool isHostileName(const QString &name)
+{
+    for (const QChar c : name) {
+        switch (c.unicode()) {
+        case '$':
+        case '`':
+        case ';':
+        case '&':
+        case '|':
+        case '<':
+        case '>':
+        case '\n':
+        case '\r':
+            return true;
+        default:
+            break;
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+RcList::RcList(const QString &dir) : dir(dir) {}
+
+bool RcList::scan(const QString &type, const QStringList &patterns)
+{
+    const QDir directory(dir);
+    if (!directory.exists())
+        return false;
+
+    const QFileInfoList listing = directory.entryInfoList(patterns, QDir::Files, QDir::Name);
+    for (const QFileInfo &info : listing) {
+        const QString file = info.fileName();
+        if (isHostileName(file)) {
+            qDebug() << "skipping file with shell metacharacters in its name:" << file;
+            continue;
+        }
+        entries.append({type, file});
+    }
+    return true;
+}
+
+bool RcList::hasType(const QString &type) const
+{
+    for (const RcEntry &entry : entries) {
+        if (entry.type == type)
+            return true;
+    }
+    return false;
+}
+
+QStringList RcList::filesOfType(const QString &type) const
+{
+    QStringList files;
+    for (const RcEntry &entry : entries) {
+        if (entry.type == type)
+            files.append(entry.file);
+    }
+    return files;
+}

@@ -1,0 +1,37 @@
+#ifndef INSTALLERSUPPORT_H
+#define INSTALLERSUPPORT_H
+
+#include <QString>
+#include <QStringList>
+
+#include <utility>
+
+struct InstallJob;
+
+// What the installer routines share: command templates, source paths, running commands.
+namespace installers {
+
+// Fills the numbered placeholders %1, %2, ... of a command template in one pass, so a "%1"
+// that a value brings along stays as it is.
+template <typename... Args> QString fill(const char *commandTemplate, Args &&...values)
+{
+    return QString::fromLatin1(commandTemplate).arg(std::forward<Args>(values)...);
+}
+
+// The path of a chosen file on the stick: "%1/%2" with the job's directory and the bare name.
+QString sourcePath(const InstallJob &job, const QString &file);
+
+// Runs one command line through the platform's shell runner; its status is never looked at.
+void run(const QString &commandLine);
+void run(const char *commandLine);
+
+// Runs the command lines one after the other, each to its end.
+void runAll(const QStringList &commandLines);
+
+// MD5 of a file as 32 lower-case hexadecimal digits; empty when the file cannot be opened or
+// read.
+QString pictureDigest(const QString &path);
+
+} // namespace installers
+
+#endif

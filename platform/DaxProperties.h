@@ -1,0 +1,39 @@
+#ifndef DAXPROPERTIES_H
+#define DAXPROPERTIES_H
+
+#include "DaxRegistry.h"
+
+#include <QMap>
+#include <QString>
+
+// One configuration store of the client, named by its configuration path.
+class DaxProperties : public DaxRegistry
+{
+public:
+    DaxProperties(const QString &path, const QString &section, bool create);
+    ~DaxProperties() override;
+
+    // False when the store does not exist or cannot be read; the values are then left as
+    // they were.
+    bool Load();
+    bool Save();
+
+    bool GetBoolean(const QString &key, bool defaultValue);
+    void SetBoolean(const QString &key, bool value);
+    QString GetString(const QString &key, const QString &defaultValue);
+    void SetString(const QString &key, const QString &value);
+    QString getEncryptedString(const QString &key, const QString &defaultValue);
+    void setEncryptedString(const QString &key, const QString &value);
+
+private:
+    struct Value
+    {
+        QString text;
+        bool encrypted = false;
+    };
+    QString m_section;
+    bool m_create;
+    QMap<QString, Value> m_values;
+};
+
+#endif

@@ -1,0 +1,41 @@
+#include "Dispatch.h"
+
+#include "InstallJob.h"
+#include "Installers.h"
+#include "PackageTypes.h"
+
+int dispatch(InstallJob *job)
+{
+    const PackageType *type = PackageTypes::find(job->type);
+    if (!type)
+        return 0;
+
+    using namespace installers;
+    switch (type->routine) {
+    case InstallerRoutine::PrinterDrivers:
+        return installPrinterDrivers(job);
+    case InstallerRoutine::Certificates:
+        return installCertificates(job);
+    case InstallerRoutine::Update:
+        return installUpdate(job);
+    case InstallerRoutine::ScreenConnect:
+        return installScreenConnect(job);
+    case InstallerRoutine::Wallpaper:
+        return installWallpaper(job);
+    case InstallerRoutine::Icon:
+        return installIcon(job);
+    case InstallerRoutine::Desktop:
+        return installDesktop(job);
+    case InstallerRoutine::Screensaver:
+        return installScreensaver(job);
+    case InstallerRoutine::ImprivataImage:
+        return installImprivataImage(job, type->imageKind);
+    case InstallerRoutine::OpenVpn:
+        return installOpenVpn(job);
+    case InstallerRoutine::RdpFile:
+        return installRdpFile(job);
+    case InstallerRoutine::Disclaimer:
+        return installDisclaimer(job);
+    }
+    return 0;
+}
