@@ -28,12 +28,12 @@ public:
 private:
     struct Value
     {
-        QString text;
+        QString text; // for an encrypted value: the sealed text as it is stored
         bool encrypted = false;
     };
-    QString m_section;
-    bool m_create;
     QMap<QString, Value> m_values;
+    // Set when Load() found a store it could not read; Save() then refuses to replace it.
+    bool m_unreadableStore = false;
 };
 
 #endif
