@@ -194,6 +194,7 @@ bool DaxProperties::Save()
     }
     writer.writeEndElement();
     writer.writeEndDocument();
+    file.write("\n", 1);
     if (writer.hasError() || !file.commit()) {
         qDebug() << "cannot write configuration store" << fileName << ":" << file.errorString();
         return false;

@@ -5,6 +5,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QProcess>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -45,6 +46,9 @@ private slots:
     void backgroundLineReturnsAtOnce();
     void exitStatus_data();
     void exitStatus();
+
+    void getxmlconfigTool_data();
+    void getxmlconfigTool();
 
 private:
     QString path(const QString &name) const { return m_dir->filePath(name); }
@@ -437,6 +441,70 @@ void TestPlatform::exitStatus()
     QFETCH(int, status);
     QVERIFY(QDir::setCurrent(m_dir->path()));
     QCOMPARE(DaxSystem::execShell(line + " 2>/dev/null"), status);
+}
+
+void TestPlatform::getxmlconfigTool_data()
+{
+    QTest::addColumn<QStringList>("args");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QString>("output");
+    QTest::addColumn<QString>("disclaimer"); // DISCLAIMER of user/system/desktop afterwards
+
+    const QString before = "old text";
+    const QString file = QString::fromUtf8("line one\r\nGrüße <&>\n");
+    QTest::newRow("-w") << QStringList{"-w", "user/system/desktop", "DISCLAIMER", "a \"b\" c"} << 0
+                        << ""
+                        << "a \"b\" c";
+    QTest::newRow("-w creates a store")
+        << QStringList{"-w", "user/new/store", "DISCLAIMER", "x"} << 0 << "" << before;
+    QTest::newRow("-wff") << QStringList{"-wff", "user/system/desktop", "DISCLAIMER", "file.txt"}
+                          << 0 << "" << file;
+    QTest::newRow("-wff missing file")
+        << QStringList{"-wff", "user/system/desktop", "DISCLAIMER", "missing.txt"} << 1 << ""
+        << before;
+    QTest::newRow("-r") << QStringList{"-r", "user/system/desktop", "DISCLAIMER"} << 0
+                        << before + "\n"
+                        << before;
+    QTest::newRow("-r missing key")
+        << QStringList{"-r", "user/system/desktop", "NOPE"} << 1 << "" << before;
+    QTest::newRow("-r missing store") << QStringList{"-r", "user/none", "A"} << 1 << "" << before;
+    QTest::newRow("usage") << QStringList{"-w", "user/system/desktop", "DISCLAIMER"} << 2 << ""
+                           << before;
+}
+
+void TestPlatform::getxmlconfigTool()
+{
+#ifndef USBI_GETXMLCONFIG
+    QSKIP("getxmlconfig is built with the host platform only");
+#else
+    QFETCH(QStringList, args);
+    QFETCH(int, status);
+    QFETCH(QString, output);
+    QFETCH(QString, disclaimer);
+    {
+        DaxProperties store("user/system/desktop", QString(), true);
+        store.SetString("DISCLAIMER", "old text");
+        QVERIFY(store.Save());
+    }
+    writeFile(path("file.txt"), QString::fromUtf8("line one\r\nGrüße <&>\n").toUtf8());
+
+    QProcess tool;
+    tool.setWorkingDirectory(m_dir->path());
+    tool.start(USBI_GETXMLCONFIG, args);
+    QVERIFY(tool.waitForFinished());
+    QCOMPARE(tool.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(tool.exitCode(), status);
+    QCOMPARE(QString::fromUtf8(tool.readAllStandardOutput()), output);
+
+    DaxProperties store("user/system/desktop", QString(), false);
+    QVERIFY(store.Load());
+    QCOMPARE(store.GetString("DISCLAIMER", QString()), disclaimer);
+    if (args.at(1) == "user/new/store") {
+        DaxProperties created("user/new/store", QString(), false);
+        QVERIFY(created.Load());
+        QCOMPARE(created.GetString("DISCLAIMER", QString()), QString("x"));
+    }
+#endif
 }
 
 QTEST_GUILESS_MAIN(TestPlatform)
