@@ -1,11 +1,37 @@
 #include "Installers.h"
 
 #include "InstallJob.h"
+#include "InstallerSupport.h"
+
+#include <QDebug>
 
 namespace installers {
 
-int installCertificates(InstallJob * /*job*/)
+int installCertificates(InstallJob *job)
 {
+    // The length is read again before each file.
+    for (int i = 0; i < job->files.size(); ++i) {
+        qDebug() << " RMF - cert " << job->files.at(i);
+        if (job->files.at(i).contains(QLatin1Char(' '))) {
+            const QString selected = job->files.at(i);
+            // Intended: the blank-free name is written back into the job.
+            job->files[i].remove(QLatin1Char(' '));
+            const QString blankFree = job->files.at(i);
+            // Intended: a blank-free copy is made beside the selected file on the stick and
+            // removed again below; the certificate folder is fed from the selected file.
+            run(fill("cp \"%1/%2\" \"%3/%4\"", job->dir, selected, job->dir, blankFree));
+            run(fill("cp \"%1/%2\" \"/tmp/config/files/cacerts/%3\"", job->dir, selected,
+                     blankFree));
+            run(fill("certs install \"%1\"", blankFree));
+            run(fill("rm \"%1/%2\"", job->dir, blankFree));
+        } else {
+            const QString name = job->files.at(i);
+            run(fill("cp \"%1/%2\" \"/tmp/config/files/cacerts/%3\"", job->dir, name, name));
+            run(fill("certs install \"%1\"", name));
+        }
+    }
+    run("certs register");
+    run("freeze");
     return 0;
 }
 

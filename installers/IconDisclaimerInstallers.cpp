@@ -1,17 +1,34 @@
 #include "Installers.h"
 
 #include "InstallJob.h"
+#include "InstallerSupport.h"
 
 namespace installers {
 
-int installIcon(InstallJob * /*job*/)
+// The picture keeps its name in the icon folder; no freeze.
+int installIcon(InstallJob *job)
 {
-    return 0;
+    if (job->files.size() != 1)
+        return 0;
+    runAll({
+        QStringLiteral("mkdir -p /tmp/config/files/icons/"),
+        fill("cp \"%1/%2\" /tmp/config/files/icons/", job->dir, job->files.first()),
+        QStringLiteral("sleep 1"),
+    });
+    return 1;
 }
 
-int installDisclaimer(InstallJob * /*job*/)
+// Only the first name is used; whatever its name, the file becomes the one disclaimer.txt.
+int installDisclaimer(InstallJob *job)
 {
-    return 0;
+    if (job->files.isEmpty())
+        return 1;
+    // Intended: the source path is not quoted.
+    run(QStringLiteral("cp ") + sourcePath(*job, job->files.first()) +
+        QStringLiteral(" /tmp/config/files/disclaimer.txt"));
+    run("getxmlconfig -wff user/system/desktop DISCLAIMER /tmp/config/files/disclaimer.txt");
+    run("freeze");
+    return 1;
 }
 
 } // namespace installers

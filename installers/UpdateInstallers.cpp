@@ -1,17 +1,33 @@
 #include "Installers.h"
 
 #include "InstallJob.h"
+#include "InstallerSupport.h"
+
+#include <QFile>
 
 namespace installers {
 
-int installUpdate(InstallJob * /*job*/)
+// The archive is upgraded from where it lies on the stick; nothing is made persistent here.
+int installUpdate(InstallJob *job)
 {
-    return 0;
+    if (job->files.size() != 1)
+        return 0;
+    run(fill("tar-upgrade \"%1/%2\"", job->dir, job->files.first()));
+    return 1;
 }
 
-int installScreenConnect(InstallJob * /*job*/)
+// Only the first name is used. The removals under /boot come after the copy and never touch it.
+int installScreenConnect(InstallJob *job)
 {
-    return 0;
+    if (job->files.isEmpty())
+        return 1;
+    const QString &name = job->files.first();
+    // QFile::copy never overwrites: a package installed earlier is kept.
+    QFile::copy(sourcePath(*job, name), fill("/tmp/config/files/%1", name));
+    run("rm -r /boot/screenconnect*");
+    run("rm -r /boot/*.deb");
+    run("freeze");
+    return 1;
 }
 
 } // namespace installers
