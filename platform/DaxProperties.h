@@ -16,6 +16,8 @@ public:
     // False when the store does not exist or cannot be read; the values are then left as
     // they were.
     bool Load();
+    // Writes every value of this object as the whole store. Refuses (false) to replace a store
+    // that Load() found but could not read.
     bool Save();
 
     bool GetBoolean(const QString &key, bool defaultValue);

@@ -32,6 +32,7 @@ private slots:
     void malformedStoreIsNeverReplaced_data();
     void malformedStoreIsNeverReplaced();
     void pathsOutsideTheRootAreRefused();
+    void unstorableValueLeavesStoreAlone();
     void encryptedValues();
     void encryptedValueNeedsItsKey();
     void legacyMode_data();
@@ -247,6 +248,22 @@ void TestPlatform::pathsOutsideTheRootAreRefused()
     }
     QVERIFY(!QFile::exists(path("escape/config.xml")));
     QVERIFY(!QFile::exists(path("config/escape/config.xml")));
+}
+
+void TestPlatform::unstorableValueLeavesStoreAlone()
+{
+    {
+        DaxProperties store("user/system/desktop", QString(), false);
+        store.SetString("WALLPAPER", "/tmp/a.jpg");
+        QVERIFY(store.Save());
+    }
+    const QByteArray saved = readFile(storeFile("user/system/desktop"));
+    DaxProperties store("user/system/desktop", QString(), false);
+    QVERIFY(store.Load());
+    store.SetString("DISCLAIMER", QString("bell \x07 inside"));
+    QTest::ignoreMessage(QtDebugMsg, QRegularExpression("cannot store key.*DISCLAIMER"));
+    QVERIFY(!store.Save());
+    QCOMPARE(readFile(storeFile("user/system/desktop")), saved);
 }
 
 void TestPlatform::encryptedValues()
