@@ -41,6 +41,10 @@ bool RcList::scan(const QString &type, const QStringList &patterns)
 
     const QFileInfoList listing = directory.entryInfoList(patterns, QDir::Files, QDir::Name);
     for (const QFileInfo &info : listing) {
+        // QDir::Files also lists links to devices, FIFOs and sockets; an installer reading one
+        // would hang or copy without end, so only links that end at a regular file are kept.
+        if (!info.isFile())
+            continue;
         const QString file = info.fileName();
         if (isHostileName(file)) {
             qDebug() << "skipping file with shell metacharacters in its name:" << file;
