@@ -1,0 +1,273 @@
+#!/usr/bin/env bash
+# The first process of the simulated client's namespaces, started by sim/run (which passes the
+# settings in _SIM_* variables). Builds the client's initial state in a baseline layer, mounts
+# the copy-on-write root, runs the command in it, then reports and optionally keeps what changed.
+# When this process ends, the kernel kills everything left in the PID namespace and the scratch
+# file system disappears with the mount namespace.
+set -u
+
+fail() {
+    printf 'sim/run: %s\n' "$*" >&2
+    exit 125
+}
+
+S=$_SIM_SCRATCH
+sim_bin=$_SIM_DIR/bin
+config_root=/var/lib/dax/config
+log_dir=/var/log/sim
+state_dir=/var/lib/sim
+
+mount -t tmpfs -o mode=0755 usbi-sim "$S" || fail "cannot mount a tmpfs for the scratch folder"
+base=$S/base     # the client's initial state, laid over the host's file system
+upper=$S/upper   # everything the command changes
+root=$S/root     # what the command sees
+before=$S/before # read-only view of the state before the command
+mkdir -p "$base" "$upper" "$S/work" "$root" "$before" "$S/stub/tmp" "$S/stub-work" "$S/stub-root"
+
+# /tmp must start fresh and empty: an opaque /tmp in the baseline hides the host's. The kernel
+# makes a directory opaque when it is created where a lower one was removed.
+mount -t overlay usbi-sim-stub -o "lowerdir=$S/stub,upperdir=$base,workdir=$S/stub-work" \
+    "$S/stub-root" 2>/dev/null ||
+    fail "cannot mount an overlay file system on a tmpfs (is overlayfs available to this kernel?)"
+rmdir "$S/stub-root/tmp" && mkdir "$S/stub-root/tmp" || fail "cannot create the fresh /tmp"
+umount "$S/stub-root"
+chmod 1777 "$base/tmp"
+
+# Where a host path lives in the baseline (in $file): its folders resolved through the host's
+# symbolic links (e.g. /bin -> usr/bin), so that the baseline never shadows a link with a
+# folder. Everything below /tmp is the baseline's own.
+declare -A resolved=()
+mkd() { [ -d "$1" ] || mkdir -p "$1"; }
+in_base() {
+    local dir=${1%/*}
+    case $1 in
+        /tmp|/tmp/*) file=$base$1; return ;;
+    esac
+    [ -n "${resolved[$dir]+set}" ] || resolved[$dir]=$(readlink -m "${dir:-/}")
+    file=$base${resolved[$dir]%/}/${1##*/}
+}
+put() { # put PATH CONTENT: a file of the initial state
+    in_base "$1"
+    mkd "${file%/*}" && printf '%s' "$2" >"$file" || fail "cannot create $1 in the baseline"
+}
+put_dir() {
+    in_base "$1"
+    mkd "$file" || fail "cannot create $1 in the baseline"
+}
+put_link() { # put_link PATH TARGET
+    in_base "$1"
+    mkd "${file%/*}" && ln -s "$2" "$file" || fail "cannot create $1 in the baseline"
+}
+hide() { # a host file that the client does not have (an overlay whiteout)
+    [ -e "$1" ] || [ -L "$1" ] || return 0
+    in_base "$1"
+    mkd "${file%/*}" && mknod "$file" c 0 0 || fail "cannot hide $1"
+}
+store() { # store PATH [KEY VALUE]...: a configuration store in the platform's XML format
+    local path=$1 xml
+    shift
+    xml=$'<?xml version="1.0" encoding="UTF-8"?>\n<config>\n'
+    while [ $# -ge 2 ]; do
+        xml+="    <entry key=\"$1\">$2</entry>"$'\n'
+        shift 2
+    done
+    xml+=$'</config>\n'
+    put "$config_root/$path/config.xml" "$xml"
+}
+
+# The client's initial state.
+gate_on=false
+[ -n "$_SIM_GATE" ] && gate_on=true
+store user/system/security enableterminalpass "$gate_on"
+store user/system/desktop
+store user/software/imprivata
+put_dir /tmp/config/files/cacerts
+put_dir /tmp/config/files/ppd
+put /tmp/.config/default.css $'/* Sample style sheet of the simulated client */\nQWidget {\n    font-size: 10pt;\n}\nQPushButton {\n    min-width: 72px;\n}\n'
+put "$log_dir/shell.log" ''
+put "$log_dir/calls.log" ''
+put_dir "$state_dir/certs"
+put "$state_dir/inside" $'This folder exists only inside the simulated client.\n'
+put_link /usr/bin/rdpimport "$sim_bin/rdpimport"
+put_link /usr/bin/reload_desktop "$sim_bin/reload_desktop"
+case $_SIM_GATE in
+    missing)
+        put "$state_dir/wpasswd-exit" ''
+        IFS=: read -r -a path_dirs <<<"$sim_bin:${PATH:-}"
+        for dir in "${path_dirs[@]}"; do
+            [ -n "$dir" ] && hide "$(readlink -m "$dir")/wpasswd"
+        done
+        ;;
+    '') put "$state_dir/wpasswd-exit" $'0\n' ;;
+    *) put "$state_dir/wpasswd-exit" "$_SIM_GATE"$'\n' ;;
+esac
+[ "$_SIM_MARKER" = 1 ] && put /tmp/.mvyx64 ''
+if [ "$_SIM_HAVE_MODALITY" = 1 ]; then
+    put /boot/modality "$_SIM_MODALITY"$'\n'
+else
+    hide /boot/modality
+fi
+if [ -n "$_SIM_DISPLAY" ]; then
+    put_dir /tmp/.X11-unix
+    xauth_file=
+    if [ -n "${XAUTHORITY:-}" ] && [ -f "$XAUTHORITY" ]; then
+        xauth_file=$(readlink -f "$XAUTHORITY")
+        case $xauth_file in /tmp/*) put "$xauth_file" '' ;; *) xauth_file= ;; esac
+    fi
+fi
+
+mount -t overlay usbi-sim -o "lowerdir=$base:/,upperdir=$upper,workdir=$S/work" "$root" ||
+    fail "cannot mount the copy-on-write root (overlay with the host's / as lower layer)"
+mount -t overlay usbi-sim-before -o "lowerdir=$base:/" "$before" ||
+    fail "cannot mount the read-only view of the initial state"
+
+# Kernel file systems: a proc of the new PID namespace, a read-only /sys, and a /dev of its own
+# with the usual devices (so that nothing written under /dev reaches the host).
+mount -t proc proc "$root/proc" || fail "cannot mount /proc for the PID namespace"
+mount --rbind /sys "$root/sys" && mount -o remount,bind,ro "$root/sys" 2>/dev/null
+mount -t tmpfs -o mode=0755 usbi-sim-dev "$root/dev" || fail "cannot mount /dev"
+for dev in null zero full random urandom tty; do
+    [ -e "/dev/$dev" ] || continue
+    : >"$root/dev/$dev" && mount --bind "/dev/$dev" "$root/dev/$dev"
+done
+mkdir -p "$root/dev/pts" "$root/dev/shm"
+if mount -t devpts -o newinstance,ptmxmode=0666,mode=0620,gid=5 devpts "$root/dev/pts" 2>/dev/null; then
+    ln -s pts/ptmx "$root/dev/ptmx"
+else
+    mount --rbind /dev/pts "$root/dev/pts"
+    : >"$root/dev/ptmx" && mount --bind /dev/ptmx "$root/dev/ptmx"
+fi
+mount -t tmpfs -o mode=1777 usbi-sim-shm "$root/dev/shm"
+ln -s /proc/self/fd "$root/dev/fd"
+ln -s /proc/self/fd/0 "$root/dev/stdin"
+ln -s /proc/self/fd/1 "$root/dev/stdout"
+ln -s /proc/self/fd/2 "$root/dev/stderr"
+
+if [ -n "$_SIM_DISPLAY" ]; then
+    # Path sockets work across network namespaces (the abstract ones do not, and X clients
+    # fall back to the path), so the network stays private. Read-only: connecting is allowed,
+    # an X server started inside cannot put its socket there.
+    mount --bind /tmp/.X11-unix "$root/tmp/.X11-unix" &&
+        mount -o remount,bind,ro "$root/tmp/.X11-unix" || fail "cannot give access to /tmp/.X11-unix"
+    if [ -n "$xauth_file" ]; then
+        mount --bind "$xauth_file" "$root$xauth_file" || fail "cannot give access to $xauth_file"
+    fi
+fi
+
+command -v ip >/dev/null 2>&1 && ip link set lo up 2>/dev/null
+
+# The environment: the caller's, with the client's settings.
+unset DISPLAY
+[ -n "$_SIM_DISPLAY" ] && export DISPLAY=$_SIM_DISPLAY
+[ -n "$_SIM_DISPLAY" ] || unset XAUTHORITY
+unset DAX_LEGACY_MODE
+[ "$_SIM_LEGACY" = 1 ] && export DAX_LEGACY_MODE=1
+export USBI_SIM=1 DAX_CONFIG_ROOT=$config_root DAX_SHELL_LOG=$log_dir/shell.log \
+    SIM_CALL_LOG=$log_dir/calls.log SIM_BUILD_DIR=$_SIM_BUILD
+export PATH="$sim_bin:${PATH:-/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin}"
+for var in TMPDIR XDG_RUNTIME_DIR; do
+    [ -n "${!var:-}" ] && [ ! -d "$root${!var}" ] && unset "$var"
+done
+cwd=$_SIM_CWD
+if [ ! -d "$root$cwd" ]; then
+    printf 'sim/run: the working folder %s does not exist inside; running in /\n' "$cwd" >&2
+    cwd=/
+fi
+keep=$_SIM_KEEP quiet=$_SIM_QUIET report=$_SIM_REPORT
+unset _SIM_DIR _SIM_SCRATCH _SIM_BUILD _SIM_LEGACY _SIM_MARKER _SIM_MODALITY _SIM_HAVE_MODALITY \
+    _SIM_GATE _SIM_DISPLAY _SIM_KEEP _SIM_QUIET _SIM_REPORT _SIM_CWD
+
+chroot "$root" /usr/bin/env -C "$cwd" -- "$@"
+status=$?
+
+# Whatever the command left running (desktop programs started with "&") ends here.
+kill -KILL -1 2>/dev/null
+for _ in $(seq 100); do
+    others=0
+    for stat in "$root"/proc/[0-9]*/stat; do
+        [ -e "$stat" ] || continue
+        read -r pid _ <"$stat" 2>/dev/null || continue
+        [ "$pid" = 1 ] || others=1
+    done
+    [ $others = 0 ] && break
+    wait 2>/dev/null
+    sleep 0.02
+done
+
+# The change report: every path added (A), changed (M) or removed (D) under /, taken from the
+# upper layer and compared with the state before. A folder that is new is shown with a "/".
+shown() { # a path on one line
+    local p=${1//\\/\\\\}
+    printf '%s' "${p//$'\n'/\\n}"
+}
+exists() { [ -e "$1" ] || [ -L "$1" ]; }
+is_log() { [ "$1" = "$log_dir/shell.log" ] || [ "$1" = "$log_dir/calls.log" ]; }
+changes() {
+    local rel path entry name
+    (cd "$upper" && find . -mindepth 1 -print0) | while IFS= read -r -d '' rel; do
+        path=${rel#.}
+        is_log "$path" && continue
+        if [ -d "$upper$path" ] && [ ! -L "$upper$path" ]; then
+            if ! exists "$before$path"; then
+                printf 'A %s/\n' "$(shown "$path")"
+            elif [ ! -d "$before$path" ] || [ -L "$before$path" ]; then
+                printf 'M %s/\n' "$(shown "$path")"
+            else
+                # Removed entries (whiteouts, or a folder made opaque by removal and re-creation).
+                (cd "$before$path" && find . -mindepth 1 -maxdepth 1 -print0) |
+                    while IFS= read -r -d '' entry; do
+                        name=$path/${entry#./}
+                        exists "$root$name" && continue
+                        if [ -d "$before$name" ] && [ ! -L "$before$name" ]; then
+                            printf 'D %s/\n' "$(shown "$name")"
+                        else
+                            printf 'D %s\n' "$(shown "$name")"
+                        fi
+                    done
+            fi
+        elif [ -c "$upper$path" ] && [ "$(stat -c %t:%T "$upper$path")" = 0:0 ]; then
+            continue # a whiteout: reported with its folder
+        elif exists "$before$path"; then
+            printf 'M %s\n' "$(shown "$path")"
+        else
+            printf 'A %s\n' "$(shown "$path")"
+        fi
+    done | LC_ALL=C sort -k2 -u
+}
+log_section() { # log_section TITLE FILE
+    printf '== %s\n' "$1"
+    if [ -s "$2" ]; then
+        sed 's/^/  /' "$2"
+    else
+        printf '  (none)\n'
+    fi
+}
+report_text() {
+    printf '== changes (A added, M changed, D removed)\n'
+    local list
+    list=$(changes)
+    if [ -n "$list" ]; then printf '%s\n' "$list"; else printf '  (none)\n'; fi
+    log_section "shell log ($log_dir/shell.log)" "$root$log_dir/shell.log"
+    log_section "tool calls ($log_dir/calls.log)" "$root$log_dir/calls.log"
+    printf '== exit status %s\n' "$status"
+}
+
+if [ "$quiet" != 1 ] || [ -n "$keep" ]; then
+    report_text >"$S/report.txt"
+fi
+if [ "$quiet" != 1 ]; then
+    if [ -n "$report" ]; then
+        cat "$S/report.txt" >"$report"
+    else
+        cat "$S/report.txt" >&2
+    fi
+fi
+if [ -n "$keep" ]; then
+    rm -rf "$keep/upper" "$keep/logs"
+    mkdir -p "$keep/logs" &&
+        cp -a "$upper" "$keep/upper" &&
+        cp -a "$root$log_dir/shell.log" "$root$log_dir/calls.log" "$keep/logs/" &&
+        cp "$S/report.txt" "$keep/report.txt" ||
+        printf 'sim/run: could not keep everything in %s\n' "$keep" >&2
+fi
+exit "$status"
