@@ -154,6 +154,20 @@ if [ -n "$_SIM_DISPLAY" ]; then
     fi
 fi
 
+# The overlay shows the root file system only. When the sources, the build or the working
+# folder live on another file system (a CI volume, say), that one is shown read-only.
+for path in "$_SIM_DIR" "$_SIM_BUILD" "$_SIM_CWD"; do
+    [ -e "$path" ] || continue
+    mp=$(stat -c %m -- "$path" 2>/dev/null) || continue
+    case $mp in
+        /|/proc|/proc/*|/sys|/sys/*|/dev|/dev/*|/tmp|/tmp/*) continue ;;
+    esac
+    mountpoint -q "$root$mp" 2>/dev/null && continue
+    [ -d "$root$mp" ] || continue
+    mount --bind "$mp" "$root$mp" && mount -o remount,bind,ro "$root$mp" ||
+        fail "cannot show $mp (another file system) inside"
+done
+
 command -v ip >/dev/null 2>&1 && ip link set lo up 2>/dev/null
 
 # The environment: the caller's, with the client's settings.
