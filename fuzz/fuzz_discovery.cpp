@@ -28,7 +28,8 @@
 //    LONG S folds to 's' and U+212A KELVIN SIGN to 'k' (CaseFolding.txt, status C). Both are
 //    mapped to their ASCII letter before fnmatch(FNM_CASEFOLD), so "ſcreenConnect.ClientSetup.deb"
 //    counts as the Screen Connect package. Dotted and dotless i fold only in Turkic rules: no.
-//  - Hostile names: no name holding $ ` ; & | < > CR or LF is ever offered.
+//  - Hostile names: no name holding $ ` ; & | < > CR or LF is ever offered; each scan writes
+//    exactly one debug line per file it skips for that reason.
 //  - Completeness: every valid, eligible, matching, harmless name is offered.
 //  - The list as a whole: entries grouped by type in scan order; hasType agrees with
 //    filesOfType; every scan returns true.
@@ -38,6 +39,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QtGlobal>
 
 #include <algorithm>
 #include <cerrno>
@@ -59,6 +61,20 @@
 namespace {
 
 constexpr size_t kMaxEntries = 64;
+
+// Debug lines written by the scan in progress; they are counted, not printed.
+int debugLines = 0;
+
+void countDebugLines(QtMsgType type, const QMessageLogContext &, const QString &message)
+{
+    if (type == QtDebugMsg) {
+        ++debugLines;
+        return;
+    }
+    std::fprintf(stderr, "%s\n", qPrintable(message));
+    if (type == QtFatalMsg)
+        std::abort();
+}
 constexpr size_t kMaxNameBytes = 255;
 
 // Suffixes the suffix byte can append; bytes beyond the list append nothing.
@@ -241,13 +257,13 @@ bool matchesType(const std::string &name, const PackageType &type)
     return false;
 }
 
-bool offerable(const DirectoryEntry &entry, const PackageType &type)
+// A file the type's scan lists, before hostile names are set aside.
+bool listable(const DirectoryEntry &entry, const PackageType &type)
 {
-    return entry.valid && entry.regular && entry.name[0] != '.' && !isHostile(entry.name) &&
-           matchesType(entry.name, type);
+    return entry.valid && entry.regular && entry.name[0] != '.' && matchesType(entry.name, type);
 }
 
-void checkInvariants(const std::string &path, const RcList &list)
+void checkInvariants(const std::string &path, const RcList &list, const std::vector<int> &skipLines)
 {
     const std::vector<DirectoryEntry> directory = readDirectory(path);
     std::map<std::u16string, const DirectoryEntry *> byText;
@@ -303,10 +319,19 @@ void checkInvariants(const std::string &path, const RcList &list)
                      hex(entry.name));
         }
 
+        int hostile = 0;
         for (const DirectoryEntry &entry : directory) {
-            if (offerable(entry, type) && offered.count(entry.text) == 0)
+            if (!listable(entry, type))
+                continue;
+            if (isHostile(entry.name))
+                ++hostile;
+            else if (offered.count(entry.text) == 0)
                 fail("an eligible file was not offered", type.key, hex(entry.name));
         }
+        const int lines = skipLines[static_cast<size_t>(&type - types.data())];
+        if (lines != hostile)
+            fail("not one debug line per skipped hostile name", type.key,
+                 std::to_string(lines) + " lines, " + std::to_string(hostile) + " names");
     }
 }
 
@@ -417,17 +442,26 @@ std::string makeTemporaryDirectory()
 
 } // namespace
 
+extern "C" int LLVMFuzzerInitialize(int *, char ***)
+{
+    qInstallMessageHandler(countDebugLines);
+    return 0;
+}
+
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     const std::string dir = makeTemporaryDirectory();
     Builder(data, size, dir).build();
 
     RcList list(QString::fromStdString(dir));
+    std::vector<int> skipLines;
     for (const PackageType &type : PackageTypes::all()) {
+        debugLines = 0;
         if (!list.scan(type.typeKey(), type.patternList()))
             fail("scan of an existing directory returned false", type.key, dir);
+        skipLines.push_back(debugLines);
     }
-    checkInvariants(dir, list);
+    checkInvariants(dir, list, skipLines);
 
     nftw(dir.c_str(), removeEntry, 16, FTW_DEPTH | FTW_PHYS);
     return 0;
