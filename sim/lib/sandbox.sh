@@ -83,7 +83,14 @@ store user/system/desktop
 store user/software/imprivata
 put_dir /tmp/config/files/cacerts
 put_dir /tmp/config/files/ppd
-put /tmp/.config/default.css $'/* Sample style sheet of the simulated client */\nQWidget {\n    font-size: 10pt;\n}\nQPushButton {\n    min-width: 72px;\n}\n'
+put /tmp/.config/default.css '/* Sample style sheet of the simulated client */
+QWidget {
+    font-size: 10pt;
+}
+QPushButton {
+    min-width: 72px;
+}
+'
 put "$log_dir/shell.log" ''
 put "$log_dir/calls.log" ''
 put_dir "$state_dir/certs"
@@ -210,9 +217,14 @@ done
 
 # The change report: every path added (A), changed (M) or removed (D) under /, taken from the
 # upper layer and compared with the state before. A folder that is new is shown with a "/".
-shown() { # a path on one line
-    local p=${1//\\/\\\\}
-    printf '%s' "${p//$'\n'/\\n}"
+# line LETTER PATH [SUFFIX]: one report line; in the path a backslash is written "\\" and a
+# line break "\n".
+line() {
+    local p=$2
+    case $p in
+        *\\* | *$'\n'*) p=${p//\\/\\\\}; p=${p//$'\n'/\\n} ;;
+    esac
+    printf '%s %s%s\n' "$1" "$p" "${3:-}"
 }
 exists() { [ -e "$1" ] || [ -L "$1" ]; }
 is_log() { [ "$1" = "$log_dir/shell.log" ] || [ "$1" = "$log_dir/calls.log" ]; }
@@ -223,9 +235,9 @@ changes() {
         is_log "$path" && continue
         if [ -d "$upper$path" ] && [ ! -L "$upper$path" ]; then
             if ! exists "$before$path"; then
-                printf 'A %s/\n' "$(shown "$path")"
+                line A "$path" /
             elif [ ! -d "$before$path" ] || [ -L "$before$path" ]; then
-                printf 'M %s/\n' "$(shown "$path")"
+                line M "$path" /
             else
                 # Removed entries (whiteouts, or a folder made opaque by removal and re-creation).
                 (cd "$before$path" && find . -mindepth 1 -maxdepth 1 -print0) |
@@ -233,18 +245,18 @@ changes() {
                         name=$path/${entry#./}
                         exists "$root$name" && continue
                         if [ -d "$before$name" ] && [ ! -L "$before$name" ]; then
-                            printf 'D %s/\n' "$(shown "$name")"
+                            line D "$name" /
                         else
-                            printf 'D %s\n' "$(shown "$name")"
+                            line D "$name"
                         fi
                     done
             fi
         elif [ -c "$upper$path" ] && [ "$(stat -c %t:%T "$upper$path")" = 0:0 ]; then
             continue # a whiteout: reported with its folder
         elif exists "$before$path"; then
-            printf 'M %s\n' "$(shown "$path")"
+            line M "$path"
         else
-            printf 'A %s\n' "$(shown "$path")"
+            line A "$path"
         fi
     done | LC_ALL=C sort -k2 -u
 }
