@@ -1,0 +1,499 @@
+#include "InstallJob.h"
+#include "Installers.h"
+#include "SimClient.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QMap>
+#include <QScopeGuard>
+#include <QtTest>
+
+using namespace installers;
+
+using Routine = int (*)(InstallJob *);
+Q_DECLARE_METATYPE(Routine)
+
+// Certificates, printer drivers, firmware update, ScreenConnect, OpenVPN, icon and disclaimer,
+// run on the simulated client: what the shell ran, what the client's tools were called with,
+// what landed in the client's tree, and what each routine returned.
+class TestInstallers1 : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+
+    void certificates_data();
+    void certificates();
+
+    void printerDrivers_data();
+    void printerDrivers();
+    void printerDriverAlreadyInstalledIsKept();
+    void printerDriversWithoutDriverFolder();
+
+    void jobsRefusedOrEmpty_data();
+    void jobsRefusedOrEmpty();
+
+    void firmwareUpdatePathWithBlanks();
+
+    void screenConnect_data();
+    void screenConnect();
+
+    void openVpn();
+    void openVpnNameWithBlankBreaksTheLink();
+
+    void iconWithBlankInItsName();
+
+    void disclaimer_data();
+    void disclaimer();
+    void disclaimerPathWithBlankBreaksOnlyTheCopy_data();
+    void disclaimerPathWithBlankBreaksOnlyTheCopy();
+};
+
+namespace {
+
+using Snapshot = QMap<QString, QByteArray>;
+
+// Every file of a directory with its content.
+Snapshot snapshot(const QString &dir)
+{
+    Snapshot files;
+    const QStringList names = QDir(dir).entryList(QDir::Files | QDir::Hidden | QDir::System);
+    for (const QString &name : names)
+        files.insert(name, simclient::readFile(dir + QLatin1Char('/') + name));
+    return files;
+}
+
+// "{dir}" in each expected line stands for the stick's directory.
+QStringList expand(const QStringList &lines, const QString &dir)
+{
+    QStringList result;
+    for (QString line : lines)
+        result.append(line.replace(QLatin1String("{dir}"), dir));
+    return result;
+}
+
+// A stick at a path of the test's choosing (for blanks in the directory); content = name.
+QString stickAt(const QString &dir, const QStringList &files)
+{
+    QDir().mkpath(dir);
+    for (const QString &name : files) {
+        QFile file(dir + QLatin1Char('/') + name);
+        if (!file.open(QIODevice::WriteOnly))
+            qFatal("cannot create %s", qPrintable(file.fileName()));
+        file.write(name.toUtf8());
+    }
+    return dir;
+}
+
+// The driver names listed in the printer driver database (one line per driver: name, tab, model).
+QStringList databaseDrivers()
+{
+    QStringList names;
+    const QList<QByteArray> lines =
+        simclient::readFile(QStringLiteral("/tmp/config/files/printdrivers.db")).split('\n');
+    for (const QByteArray &line : lines) {
+        if (!line.isEmpty())
+            names.append(QString::fromUtf8(line.split('\t').first()));
+    }
+    return names;
+}
+
+bool writeFile(const QString &path, const QByteArray &content)
+{
+    QDir().mkpath(QFileInfo(path).path());
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
+           file.write(content) == content.size();
+}
+
+QStringList debugLines;
+QtMessageHandler previousHandler = nullptr;
+
+void captureDebug(QtMsgType type, const QMessageLogContext &context, const QString &message)
+{
+    if (type == QtDebugMsg)
+        debugLines.append(message);
+    previousHandler(type, context, message);
+}
+
+} // namespace
+
+void TestInstallers1::initTestCase()
+{
+    simclient::requireSim();
+    QVERIFY(QFileInfo(QStringLiteral("/tmp/config/files/cacerts")).isDir());
+    QVERIFY(QFileInfo(QStringLiteral("/tmp/config/files/ppd")).isDir());
+}
+
+void TestInstallers1::init()
+{
+    simclient::clearLogs();
+}
+
+void TestInstallers1::certificates_data()
+{
+    QTest::addColumn<QStringList>("files");
+    QTest::addColumn<QStringList>("blankFree");
+    QTest::addColumn<QStringList>("commands");
+
+    QTest::newRow("name with blanks")
+        << QStringList{"my cert.crt"} << QStringList{"mycert.crt"}
+        << QStringList{
+               R"(cp "{dir}/my cert.crt" "{dir}/mycert.crt")",
+               R"(cp "{dir}/my cert.crt" "/tmp/config/files/cacerts/mycert.crt")",
+               R"(certs install "mycert.crt")",
+               R"(rm "{dir}/mycert.crt")",
+               "certs register",
+               "freeze",
+           };
+    QTest::newRow("name without blanks")
+        << QStringList{"server.pem"} << QStringList{"server.pem"}
+        << QStringList{
+               R"(cp "{dir}/server.pem" "/tmp/config/files/cacerts/server.pem")",
+               R"(certs install "server.pem")",
+               "certs register",
+               "freeze",
+           };
+    QTest::newRow("several files")
+        << QStringList{"a b c.pem", "root.crt", "my ca.der"}
+        << QStringList{"abc.pem", "root.crt", "myca.der"}
+        << QStringList{
+               R"(cp "{dir}/a b c.pem" "{dir}/abc.pem")",
+               R"(cp "{dir}/a b c.pem" "/tmp/config/files/cacerts/abc.pem")",
+               R"(certs install "abc.pem")",
+               R"(rm "{dir}/abc.pem")",
+               R"(cp "{dir}/root.crt" "/tmp/config/files/cacerts/root.crt")",
+               R"(certs install "root.crt")",
+               R"(cp "{dir}/my ca.der" "{dir}/myca.der")",
+               R"(cp "{dir}/my ca.der" "/tmp/config/files/cacerts/myca.der")",
+               R"(certs install "myca.der")",
+               R"(rm "{dir}/myca.der")",
+               "certs register",
+               "freeze",
+           };
+    QTest::newRow("empty selection")
+        << QStringList{} << QStringList{} << QStringList{"certs register", "freeze"};
+}
+
+void TestInstallers1::certificates()
+{
+    QFETCH(QStringList, files);
+    QFETCH(QStringList, blankFree);
+    QFETCH(QStringList, commands);
+
+    const QString stick = simclient::makeStick(files);
+    const Snapshot stickBefore = snapshot(stick);
+    InstallJob job(QStringLiteral("cert"), stick, files);
+
+    debugLines.clear();
+    previousHandler = qInstallMessageHandler(captureDebug);
+    const int result = installCertificates(&job);
+    qInstallMessageHandler(previousHandler);
+
+    QCOMPARE(result, 0);
+    QCOMPARE(simclient::shellLog(), expand(commands, stick));
+    QCOMPARE(job.files, blankFree);
+    QCOMPARE(snapshot(stick), stickBefore);
+
+    QStringList expectedDebug;
+    QStringList expectedCalls;
+    for (int i = 0; i < files.size(); ++i) {
+        expectedDebug.append(QStringLiteral(" RMF - cert  \"%1\"").arg(files.at(i)));
+        expectedCalls.append(QStringLiteral("certs [install] [%1]").arg(blankFree.at(i)));
+        // Fed from the selected file itself: its content is its original name.
+        QCOMPARE(simclient::readFile("/tmp/config/files/cacerts/" + blankFree.at(i)),
+                 files.at(i).toUtf8());
+        QCOMPARE(simclient::readFile("/var/lib/sim/certs/" + blankFree.at(i)),
+                 files.at(i).toUtf8());
+    }
+    expectedCalls << QStringLiteral("certs [register]") << QStringLiteral("freeze");
+    QCOMPARE(debugLines, expectedDebug);
+    QCOMPARE(simclient::calls(), expectedCalls);
+}
+
+void TestInstallers1::printerDrivers_data()
+{
+    QTest::addColumn<QStringList>("files");
+
+    QTest::newRow("three drivers") << QStringList{"laser.ppd", "colour laser.ppd", "inkjet.ppd"};
+    QTest::newRow("empty selection") << QStringList{};
+}
+
+void TestInstallers1::printerDrivers()
+{
+    QFETCH(QStringList, files);
+
+    const QString stick = simclient::makeStick(files);
+    InstallJob job(QStringLiteral("ppd"), stick, files);
+    QCOMPARE(installPrinterDrivers(&job), 1);
+
+    QCOMPARE(
+        simclient::shellLog(),
+        (QStringList{"ppddb /tmp/config/files/ppd /tmp/config/files/printdrivers.db", "freeze"}));
+    QCOMPARE(simclient::calls(),
+             (QStringList{"ppddb [/tmp/config/files/ppd] [/tmp/config/files/printdrivers.db]",
+                          "freeze"}));
+    const QStringList database = databaseDrivers();
+    for (const QString &name : files) {
+        QCOMPARE(simclient::readFile("/tmp/config/files/ppd/" + name), name.toUtf8());
+        QVERIFY2(database.contains(name), qPrintable(name));
+    }
+}
+
+void TestInstallers1::printerDriverAlreadyInstalledIsKept()
+{
+    QVERIFY(writeFile("/tmp/config/files/ppd/office.ppd", "installed earlier"));
+    const QString stick = simclient::makeStick({"office.ppd"}, {"newer driver"});
+    InstallJob job(QStringLiteral("ppd"), stick, {"office.ppd"});
+
+    QCOMPARE(installPrinterDrivers(&job), 1);
+
+    QCOMPARE(simclient::readFile("/tmp/config/files/ppd/office.ppd"),
+             QByteArray("installed earlier"));
+    QVERIFY(databaseDrivers().contains(QStringLiteral("office.ppd")));
+    QCOMPARE(simclient::calls().size(), 2);
+}
+
+void TestInstallers1::printerDriversWithoutDriverFolder()
+{
+    const QString folder = QStringLiteral("/tmp/config/files/ppd");
+    QVERIFY(QDir(folder).removeRecursively());
+    const auto restore = qScopeGuard([&] { QDir().mkpath(folder); });
+    const QStringList files{"laser.ppd", "inkjet.ppd"};
+    InstallJob job(QStringLiteral("ppd"), simclient::makeStick(files), files);
+
+    QCOMPARE(installPrinterDrivers(&job), 1);
+
+    QVERIFY(!QFileInfo::exists(folder));
+    QCOMPARE(simclient::calls(),
+             (QStringList{"ppddb [/tmp/config/files/ppd] [/tmp/config/files/printdrivers.db]",
+                          "freeze"}));
+    // The make-path is absolute: it lands at the root, not under /tmp.
+    QVERIFY(QFileInfo(QStringLiteral("/config/files/ppd")).isDir());
+}
+
+void TestInstallers1::jobsRefusedOrEmpty_data()
+{
+    QTest::addColumn<Routine>("routine");
+    QTest::addColumn<QStringList>("files");
+    QTest::addColumn<int>("result");
+
+    const QStringList none;
+    QTest::newRow("update, two archives") << &installUpdate << QStringList{"a.tzupg", "b.tar"} << 0;
+    QTest::newRow("update, none") << &installUpdate << none << 0;
+    QTest::newRow("openvpn, two files") << &installOpenVpn << QStringList{"a.ovpn", "b.ovpn"} << 0;
+    QTest::newRow("openvpn, none") << &installOpenVpn << none << 0;
+    QTest::newRow("icon, two pictures") << &installIcon << QStringList{"a.png", "b.jpg"} << 0;
+    QTest::newRow("icon, none") << &installIcon << none << 0;
+    QTest::newRow("ScreenConnect, none") << &installScreenConnect << none << 1;
+    QTest::newRow("disclaimer, none") << &installDisclaimer << none << 1;
+}
+
+// Nothing at all happens to the client: no command, no tool, no file.
+void TestInstallers1::jobsRefusedOrEmpty()
+{
+    QFETCH(Routine, routine);
+    QFETCH(QStringList, files);
+    QFETCH(int, result);
+
+    QVERIFY(writeFile("/boot/screenconnect.conf", "kept"));
+    const Snapshot treeBefore = snapshot("/tmp/config/files");
+    InstallJob job(QStringLiteral("any"), simclient::makeStick(files), files);
+
+    QCOMPARE(routine(&job), result);
+
+    QCOMPARE(simclient::shellLog(), QStringList{});
+    QCOMPARE(simclient::calls(), QStringList{});
+    QCOMPARE(snapshot("/tmp/config/files"), treeBefore);
+    QVERIFY(QFileInfo::exists("/boot/screenconnect.conf"));
+}
+
+void TestInstallers1::firmwareUpdatePathWithBlanks()
+{
+    const QString stick = stickAt("/tmp/sticks/usb stick", {"fw update.tzupg"});
+    InstallJob job(QStringLiteral("update"), stick, {"fw update.tzupg"});
+
+    QCOMPARE(installUpdate(&job), 1);
+
+    QCOMPARE(simclient::shellLog(), QStringList{"tar-upgrade \"" + stick + "/fw update.tzupg\""});
+    // One argument, and no freeze.
+    QCOMPARE(simclient::calls(), QStringList{"tar-upgrade [" + stick + "/fw update.tzupg]"});
+}
+
+void TestInstallers1::screenConnect_data()
+{
+    QTest::addColumn<QStringList>("files");
+    QTest::addColumn<QByteArray>("installedBefore");
+    QTest::addColumn<QByteArray>("installedAfter");
+
+    const QString package = QStringLiteral("ScreenConnect.ClientSetup.deb");
+    QTest::newRow("fresh install") << QStringList{package} << QByteArray() << package.toUtf8();
+    QTest::newRow("already installed")
+        << QStringList{package} << QByteArray("earlier package") << QByteArray("earlier package");
+    QTest::newRow("extra names ignored")
+        << QStringList{package, "other.deb"} << QByteArray() << package.toUtf8();
+}
+
+void TestInstallers1::screenConnect()
+{
+    QFETCH(QStringList, files);
+    QFETCH(QByteArray, installedBefore);
+    QFETCH(QByteArray, installedAfter);
+
+    const QString installed = QStringLiteral("/tmp/config/files/ScreenConnect.ClientSetup.deb");
+    QFile::remove(installed);
+    if (!installedBefore.isEmpty())
+        QVERIFY(writeFile(installed, installedBefore));
+    QVERIFY(writeFile("/boot/screenconnect-1.2/client.bin", "old client"));
+    QVERIFY(writeFile("/boot/screenconnect.conf", "old settings"));
+    QVERIFY(writeFile("/boot/ScreenConnect.ClientSetup.deb", "old package"));
+    QVERIFY(writeFile("/boot/vmlinuz", "kernel"));
+    const QString stick = simclient::makeStick(files);
+    InstallJob job(QStringLiteral("ScreenConnect"), stick, files);
+
+    QCOMPARE(installScreenConnect(&job), 1);
+
+    QCOMPARE(simclient::readFile(installed), installedAfter);
+    QVERIFY(!QFileInfo::exists("/tmp/config/files/other.deb"));
+    QVERIFY(!QFileInfo::exists("/boot/screenconnect-1.2"));
+    QVERIFY(!QFileInfo::exists("/boot/screenconnect.conf"));
+    QVERIFY(!QFileInfo::exists("/boot/ScreenConnect.ClientSetup.deb"));
+    QCOMPARE(simclient::readFile("/boot/vmlinuz"), QByteArray("kernel"));
+    QCOMPARE(simclient::shellLog(),
+             (QStringList{"rm -r /boot/screenconnect*", "rm -r /boot/*.deb", "freeze"}));
+    QCOMPARE(simclient::calls(), QStringList{"freeze"});
+}
+
+void TestInstallers1::openVpn()
+{
+    const QString stick = simclient::makeStick({"office.ovpn"}, {"remote vpn.example 1194\n"});
+    InstallJob job(QStringLiteral("openvpn"), stick, {"office.ovpn"});
+
+    QCOMPARE(installOpenVpn(&job), 1);
+
+    QCOMPARE(simclient::shellLog(),
+             expand(
+                 {
+                     "mkdir -p /tmp/config/files/openvpn/client",
+                     "mkdir -p /etc/openvpn/client",
+                     R"(cp "{dir}/office.ovpn" /tmp/config/files/openvpn/client)",
+                     "ln -s /tmp/config/files/openvpn/client/office.ovpn /etc/openvpn/client",
+                     "ovpn2xml &",
+                     "sleep 1",
+                 },
+                 stick));
+    const QFileInfo link(QStringLiteral("/etc/openvpn/client/office.ovpn"));
+    QVERIFY(link.isSymLink());
+    QCOMPARE(link.symLinkTarget(), QStringLiteral("/tmp/config/files/openvpn/client/office.ovpn"));
+    QCOMPARE(simclient::readFile(link.filePath()), QByteArray("remote vpn.example 1194\n"));
+    QTRY_COMPARE(simclient::calls(), QStringList{"ovpn2xml"});
+}
+
+void TestInstallers1::openVpnNameWithBlankBreaksTheLink()
+{
+    const QString stick = simclient::makeStick({"branch office.ovpn"});
+    InstallJob job(QStringLiteral("openvpn"), stick, {"branch office.ovpn"});
+
+    QCOMPARE(installOpenVpn(&job), 1);
+
+    const QString stored = QStringLiteral("/tmp/config/files/openvpn/client/branch office.ovpn");
+    QCOMPARE(simclient::readFile(stored), QByteArray("branch office.ovpn"));
+    QVERIFY(!QFileInfo::exists("/etc/openvpn/client/branch office.ovpn"));
+    const QFileInfoList entries =
+        QDir(QStringLiteral("/etc/openvpn/client"))
+            .entryInfoList(QDir::AllEntries | QDir::System | QDir::Hidden | QDir::NoDotAndDotDot);
+    for (const QFileInfo &entry : entries)
+        QVERIFY2(entry.canonicalFilePath() != stored, qPrintable(entry.filePath()));
+    QCOMPARE(simclient::shellLog().last(), QStringLiteral("sleep 1"));
+}
+
+void TestInstallers1::iconWithBlankInItsName()
+{
+    const QString stick = simclient::makeStick({"company logo.png"});
+    InstallJob job(QStringLiteral("icon"), stick, {"company logo.png"});
+
+    QCOMPARE(installIcon(&job), 1);
+
+    QCOMPARE(simclient::shellLog(),
+             expand(
+                 {
+                     "mkdir -p /tmp/config/files/icons/",
+                     R"(cp "{dir}/company logo.png" /tmp/config/files/icons/)",
+                     "sleep 1",
+                 },
+                 stick));
+    QCOMPARE(simclient::readFile("/tmp/config/files/icons/company logo.png"),
+             QByteArray("company logo.png"));
+    QCOMPARE(simclient::calls(), QStringList{});
+}
+
+void TestInstallers1::disclaimer_data()
+{
+    QTest::addColumn<QStringList>("files");
+    QTest::addColumn<QList<QByteArray>>("contents");
+
+    QTest::newRow("html file") << QStringList{"notice.html"}
+                               << QList<QByteArray>{"<p>Authorised use only.</p>"};
+    QTest::newRow("only the first of several")
+        << QStringList{"first.txt", "second.txt"}
+        << QList<QByteArray>{"First notice.", "Second notice."};
+}
+
+void TestInstallers1::disclaimer()
+{
+    QFETCH(QStringList, files);
+    QFETCH(QList<QByteArray>, contents);
+
+    const QString stick = simclient::makeStick(files, contents);
+    InstallJob job(QStringLiteral("disclaimer"), stick, files);
+
+    QCOMPARE(installDisclaimer(&job), 1);
+
+    QCOMPARE(
+        simclient::shellLog(),
+        (QStringList{
+            QStringLiteral("cp %1/%2 /tmp/config/files/disclaimer.txt").arg(stick, files.first()),
+            "getxmlconfig -wff user/system/desktop DISCLAIMER /tmp/config/files/disclaimer.txt",
+            "freeze",
+        }));
+    QCOMPARE(simclient::readFile("/tmp/config/files/disclaimer.txt"), contents.first());
+    QCOMPARE(simclient::storeValue("user/system/desktop", "DISCLAIMER"),
+             QString::fromUtf8(contents.first()));
+}
+
+void TestInstallers1::disclaimerPathWithBlankBreaksOnlyTheCopy_data()
+{
+    QTest::addColumn<QString>("stick");
+    QTest::addColumn<QString>("file");
+
+    QTest::newRow("blank in the file name")
+        << stickAt("/tmp/sticks/plain", {"log in notice.txt"}) << "log in notice.txt";
+    QTest::newRow("blank in the directory")
+        << stickAt("/tmp/sticks/my stick", {"notice.txt"}) << "notice.txt";
+}
+
+void TestInstallers1::disclaimerPathWithBlankBreaksOnlyTheCopy()
+{
+    QFETCH(QString, stick);
+    QFETCH(QString, file);
+
+    QVERIFY(writeFile("/tmp/config/files/disclaimer.txt", "Earlier notice."));
+    InstallJob job(QStringLiteral("disclaimer"), stick, {file});
+
+    QCOMPARE(installDisclaimer(&job), 1);
+
+    QCOMPARE(simclient::readFile("/tmp/config/files/disclaimer.txt"),
+             QByteArray("Earlier notice."));
+    QCOMPARE(simclient::calls(),
+             (QStringList{"getxmlconfig [-wff] [user/system/desktop] [DISCLAIMER] "
+                          "[/tmp/config/files/disclaimer.txt]",
+                          "freeze"}));
+    QCOMPARE(simclient::storeValue("user/system/desktop", "DISCLAIMER"),
+             QStringLiteral("Earlier notice."));
+}
+
+QTEST_GUILESS_MAIN(TestInstallers1)
+#include "test_installers1.moc"
