@@ -1,0 +1,35 @@
+#ifndef INSTALLERDLG_H
+#define INSTALLERDLG_H
+
+#include "RcInstaller.h"
+#include "ui_InstallerDialog.h"
+
+#include <QDialog>
+
+struct InstallJob;
+
+// The progress dialog of one installation. It starts the worker at once and refuses to close
+// until the worker has completed.
+class InstallerDlg : public QDialog, private Ui::InstallerDialog
+{
+    Q_OBJECT
+
+public:
+    explicit InstallerDlg(InstallJob *job);
+    ~InstallerDlg() override;
+
+public slots:
+    void installed();
+    // Escape ends up here rather than in closeEvent(); refused the same way.
+    void reject() override;
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+
+private:
+    bool finished;
+    InstallJob *job;
+    RcInstaller installer;
+};
+
+#endif

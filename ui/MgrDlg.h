@@ -1,0 +1,43 @@
+#ifndef MGRDLG_H
+#define MGRDLG_H
+
+#include "ui_MainWindow.h"
+
+#include <QMainWindow>
+#include <QString>
+#include <QStringList>
+
+class QListWidgetItem;
+class RcList;
+
+// The main window: the package types found on the stick, the files of the current type, and
+// one installation at a time through the progress dialog.
+class MgrDlg : public QMainWindow, private Ui::MainWindow
+{
+    Q_OBJECT
+
+public:
+    explicit MgrDlg(RcList *list);
+    ~MgrDlg() override;
+
+public slots:
+    void installSingle();
+    void installMulti();
+    void changeType(QListWidgetItem *current, QListWidgetItem *previous);
+    void quit();
+
+private:
+    void placeWindow();
+    void fillTypeList();
+    void addType(const QString &key, const QString &name);
+    void fillMulti();
+    void fillSingle();
+    void startInstall();
+
+    RcList *rcList;
+    QString currentType;
+    QStringList currentFiles;
+    QStringList selectedFiles;
+};
+
+#endif

