@@ -262,6 +262,7 @@ void TestInstallers1::printerDriversWithoutDriverFolder()
     const QString folder = QStringLiteral("/tmp/config/files/ppd");
     QVERIFY(QDir(folder).removeRecursively());
     const auto restore = qScopeGuard([&] { QDir().mkpath(folder); });
+    QVERIFY(QDir(QStringLiteral("/config")).removeRecursively());
     const QStringList files{"laser.ppd", "inkjet.ppd"};
     InstallJob job(QStringLiteral("ppd"), simclient::makeStick(files), files);
 
@@ -408,6 +409,7 @@ void TestInstallers1::openVpnNameWithBlankBreaksTheLink()
     for (const QFileInfo &entry : entries)
         QVERIFY2(entry.canonicalFilePath() != stored, qPrintable(entry.filePath()));
     QCOMPARE(simclient::shellLog().last(), QStringLiteral("sleep 1"));
+    QTRY_COMPARE(simclient::calls(), QStringList{"ovpn2xml"});
 }
 
 void TestInstallers1::iconWithBlankInItsName()
