@@ -1,0 +1,132 @@
+#!/usr/bin/env bash
+# Demo: sets up what is missing, builds, and runs the USB Installer on the sample stick
+# (sim/stick) inside the simulated client, never on this machine itself.
+#
+#   ./demo.sh            with $DISPLAY: opens the window on that display; close it to end.
+#                        without: runs on a virtual X server inside the simulated client,
+#                        installs a wallpaper with the mouse and keyboard as an administrator
+#                        would, saves screenshots in demo-output/ and prints what changed.
+#
+# Environment: BUILD_DIR (default build), DEMO_OUTPUT (default demo-output).
+set -euo pipefail
+
+# Inside the simulated client: drive the program on its own X server. Standard output carries
+# only the screenshots (a tar stream); everything said goes to standard error.
+inside() {
+    local build=$1 here shots bin window list dialog i convert display_file
+    here=$(pwd)
+    exec 3>&1 1>&2
+    export LANG=C.UTF-8 LC_ALL=C.UTF-8
+    shots=/dev/shm/demo-shots bin=/dev/shm/demo-bin
+    mkdir -p "$shots" "$bin"
+    convert=$(command -v convert-im6.q16 || command -v /usr/bin/convert || true)
+    [ -n "$convert" ] || { echo "demo: ImageMagick's convert is missing (package imagemagick)"; exit 1; }
+
+    # The wallpaper installer ends with "sync". The demo holds it there until the progress
+    # dialog, shown only while an installer runs, has been photographed.
+    cat >"$bin/sync" <<EOF
+#!/bin/sh
+while [ ! -e $bin/release ]; do sleep 0.1; done
+exec /bin/sync "\$@"
+EOF
+    chmod +x "$bin/sync"
+
+    display_file=/dev/shm/demo-display
+    Xvfb -displayfd 4 -nolisten tcp -screen 0 1024x768x24 4>"$display_file" 2>/dev/null &
+    for i in $(seq 300); do [ -s "$display_file" ] && break; sleep 0.1; done
+    [ -s "$display_file" ] || { echo "demo: the virtual X server did not start"; exit 1; }
+    export DISPLAY=:$(head -n 1 "$display_file")
+    export XDG_RUNTIME_DIR=/dev/shm/demo-runtime
+    mkdir -p -m 0700 "$XDG_RUNTIME_DIR"
+
+    shot() { xwd -silent -id "$1" | "$convert" xwd:- "png:$shots/$2"; echo "demo: screenshot $2"; }
+    click() { xdotool mousemove --window "$1" "$2" "$3" click 1; }
+    mapped() { xwininfo -id "$1" | grep -q 'Map State: IsViewable'; }
+
+    echo "demo: starting usb-installer sim/stick on $DISPLAY"
+    PATH=$bin:$PATH "$build/usb-installer" "$here/sim/stick" &
+    local program=$!
+    window=$(timeout 60 xdotool search --sync --onlyvisible --name '^USB Installer$')
+    sleep 0.5 # let the first paint settle before the screenshot
+    shot "$window" main-window.png
+
+    # Pick "Wallpaper" (the last type in the list) and the picture beach.jpg, then Install.
+    xdotool windowfocus --sync "$window"
+    click "$window" 60 90             # the type list
+    xdotool key End
+    click "$window" 300 90            # the file list of the page
+    xdotool type --delay 50 beach
+    sleep 0.5
+    shot "$window" main-window-wallpaper.png
+    echo "demo: installing beach.jpg as the wallpaper"
+    click "$window" 480 325           # Install
+
+    for i in $(seq 300); do
+        list=$(xdotool search --onlyvisible --name '^USB Installer$' 2>/dev/null || true)
+        dialog=$(grep -vx "$window" <<<"$list" | head -n 1 || true)
+        [ -n "$dialog" ] && break
+        sleep 0.1
+    done
+    [ -n "$dialog" ] || { echo "demo: the progress dialog did not show"; exit 1; }
+    sleep 0.5
+    shot "$dialog" progress-dialog.png
+    touch "$bin/release"
+
+    for i in $(seq 300); do mapped "$window" && break; sleep 0.1; done
+    sleep 0.5
+    shot "$window" main-window-after.png
+    click "$window" 590 325           # Close
+    wait "$program" && echo "demo: usb-installer ended with status 0"
+    tar -C "$shots" -cf - . >&3
+}
+
+# Inside the simulated client, on the caller's display: the program as the client starts it,
+# with the per-user runtime folder a desktop session provides.
+inside_on_display() {
+    export XDG_RUNTIME_DIR=/dev/shm/demo-runtime
+    mkdir -p -m 0700 "$XDG_RUNTIME_DIR"
+    exec "$1/usb-installer" "$(pwd)/sim/stick"
+}
+
+case ${1-} in
+    --inside-*)
+        # These modes run the program: never anywhere but in the simulated client.
+        [ "${USBI_SIM-}" = 1 ] || { echo "demo.sh: $1 runs only inside sim/run" >&2; exit 2; }
+        ;;
+esac
+case ${1-} in
+    --inside-simulated-client) inside "$2"; exit ;;
+    --inside-on-display) inside_on_display "$2" ;;
+esac
+
+cd "$(dirname "$(readlink -f "$0")")"
+scripts/deps.sh
+build=${BUILD_DIR:-build}
+cmake -S . -B "$build" -DCMAKE_BUILD_TYPE=Release
+cmake --build "$build" -j2
+build=$(readlink -f "$build")
+
+as_root=()
+[ "$(id -u)" -eq 0 ] || as_root=(sudo)
+
+if [ -n "${DISPLAY:-}" ]; then
+    echo "Opening the USB Installer on $DISPLAY inside the simulated client; close it to end."
+    exec "${as_root[@]}" sim/run --build "$build" --display "$DISPLAY" -- \
+        "$PWD/demo.sh" --inside-on-display "$build"
+fi
+
+out=${DEMO_OUTPUT:-demo-output}
+mkdir -p "$out"
+out=$(readlink -f "$out")
+rm -f "$out"/*.png "$out/report.txt"
+"${as_root[@]}" sim/run --build "$build" --report "$out/report.txt" -- \
+    "$PWD/demo.sh" --inside-simulated-client "$build" >"$out/screenshots.tar"
+tar -xf "$out/screenshots.tar" -C "$out"
+rm -f "$out/screenshots.tar"
+
+echo
+echo "Screenshots in $out:"
+ls -1 "$out"/*.png
+echo
+echo "What changed on the simulated client:"
+cat "$out/report.txt"
