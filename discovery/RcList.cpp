@@ -7,7 +7,9 @@
 namespace {
 
 // Installers build shell command lines from these names and run them as root, so a name
-// that could end or redirect a command is never offered.
+// that could end or redirect a command, or break out of the double quotes around a path, is
+// never offered. A '"' or '\' in a quoted path would make the shell act on another file: a
+// certificate named a" "b.crt would have the stick's ab.crt removed.
 bool isHostileName(const QString &name)
 {
     for (const QChar c : name) {
@@ -19,6 +21,8 @@ bool isHostileName(const QString &name)
         case '|':
         case '<':
         case '>':
+        case '"':
+        case '\\':
         case '\n':
         case '\r':
             return true;

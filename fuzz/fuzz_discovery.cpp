@@ -28,7 +28,7 @@
 //    LONG S folds to 's' and U+212A KELVIN SIGN to 'k' (CaseFolding.txt, status C). Both are
 //    mapped to their ASCII letter before fnmatch(FNM_CASEFOLD), so "ſcreenConnect.ClientSetup.deb"
 //    counts as the Screen Connect package. Dotted and dotless i fold only in Turkic rules: no.
-//  - Hostile names: no name holding $ ` ; & | < > CR or LF is ever offered; each scan writes
+//  - Hostile names: no name holding $ ` ; & | < > " \ CR or LF is ever offered; each scan writes
 //    exactly one debug line per file it skips for that reason.
 //  - Completeness: every valid, eligible, matching, harmless name is offered.
 //  - The list as a whole: entries grouped by type in scan order; hasType agrees with
@@ -211,7 +211,7 @@ std::string foldedToAscii(const std::string &name)
 
 bool isHostile(const std::string &name)
 {
-    return name.find_first_of("$`;&|<>\r\n") != std::string::npos;
+    return name.find_first_of("$`;&|<>\"\\\r\n") != std::string::npos;
 }
 
 struct DirectoryEntry

@@ -161,8 +161,10 @@ void TestDiscovery::hostileNamesAreSkippedAndLogged()
                                                  {"a<b.jpg", "a<b.jpg"},
                                                  {"a>b.jpg", "a>b.jpg"},
                                                  {"line\nbreak.jpg", "break.jpg"},
-                                                 {"carriage\rreturn.jpg", "return.jpg"}};
-    const QStringList harmless{"a b (1) 'q' \"d\".jpg", "ok.jpg"};
+                                                 {"carriage\rreturn.jpg", "return.jpg"},
+                                                 {"a\" \"b.crt.jpg", "b.crt.jpg"},
+                                                 {"back\\slash.jpg", "slash.jpg"}};
+    const QStringList harmless{"a b (1) 'q' [*?] #2.jpg", "ok.jpg"};
     QTemporaryDir dir;
     for (const auto &name : hostile)
         makeFiles(dir, {name.first});

@@ -259,20 +259,25 @@ const QStringList hostileNames{
     "a&b.ppd",
     "it's $(freeze).png",
     "\"; freeze; \".jpg",
+    // Double quotes and backslashes would break out of a quoted path and make the shell act
+    // on another file: a" "b.crt would have the stick's ab.crt removed.
+    "say \"cheese\".jpg",
+    "back\\slash.jpg",
+    "a\\\".jpg",
+    "a\" \"b.png",
+    "\"q\".crt",
+    "a\" \"b.crt",
+    "a\"b.tar",
 };
 
-// Names that are offered: quotes, backslashes, glob characters, blanks, tabs and parentheses
-// alone cannot start another command; where they break a template's quoting, the command may
-// fail, but it stays the same command.
+// Names that are offered: single quotes, glob characters, blanks, tabs and parentheses alone
+// cannot start another command; where they break an unquoted path, the command may fail, but
+// it stays the same command.
 const QStringList offeredNames{
-    "plain.jpg",       "Lake View.jpg", "it's.jpg",      "say \"cheese\".jpg",
-    "back\\slash.jpg", "a\\\".jpg",     "*.jpg",         "[a].jpg",
-    "photo (1).jpg",   "{a,b}.jpg",     "-rf.jpg",       "#hash.jpg",
-    "tab\there.jpg",   "~root.jpg",     "?.png",         "(x).png",
-    "a\" \"b.png",     "quote'.png",    "glob*star.png", "my cert.crt",
-    "it's.crt",        "\"q\".crt",     "a\" \"b.crt",   "(p).ppd",
-    "a b.rdp",         "*.rdp",         "x'y.ovpn",      "a b.txt",
-    "*.txt",           "a\"b.tar",      "[x].tar",
+    "plain.jpg", "Lake View.jpg", "it's.jpg",      "*.jpg",         "[a].jpg",   "photo (1).jpg",
+    "{a,b}.jpg", "-rf.jpg",       "#hash.jpg",     "tab\there.jpg", "~root.jpg", "?.png",
+    "(x).png",   "quote'.png",    "glob*star.png", "my cert.crt",   "it's.crt",  "(p).ppd",
+    "a b.rdp",   "*.rdp",         "x'y.ovpn",      "a b.txt",       "*.txt",     "[x].tar",
 };
 
 // The types a corpus name is installed under: every type it is offered for, except the two
