@@ -57,8 +57,10 @@ int runUsbInstaller(int &argc, char **argv)
     cleanup.start(QStringLiteral("killall"), cleanupArgs, QIODevice::ReadWrite);
     cleanup.waitForFinished(waitMs);
 
-    // Read by the main window for the whole run; never deleted.
-    auto *found = new RcList(QString::fromUtf8(argv[1]));
+    // Read by the main window for the whole run and never deleted; held in a static so that it
+    // stays reachable until the process ends.
+    static RcList *found = nullptr;
+    found = new RcList(QString::fromUtf8(argv[1]));
     for (const PackageType &type : PackageTypes::all())
         found->scan(type.typeKey(), type.patternList());
 
@@ -68,7 +70,8 @@ int runUsbInstaller(int &argc, char **argv)
     }
 
     // Lives until the process ends; never deleted.
-    auto *window = new MgrDlg(found);
+    static MgrDlg *window = nullptr;
+    window = new MgrDlg(found);
     window->show();
     return app.exec();
 }
