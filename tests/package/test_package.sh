@@ -11,6 +11,15 @@ if [ "${USBI_SIM:-}" != 1 ]; then
     exit 2
 fi
 
+# cmake --install and cpack write their install manifest into the build folder.
+if ! [ -w "$build" ] || ! touch "$build/.package-test" 2>/dev/null; then
+    echo "test_package.sh: the build folder $build is read-only in the simulated client;" \
+        "keep it on the root file system" >&2
+    echo "0 passed, 1 failed"
+    exit 1
+fi
+rm -f "$build/.package-test"
+
 passed=0 failed=0
 check() { # check DESCRIPTION COMMAND...: one case
     if "${@:2}"; then
