@@ -4,7 +4,7 @@
 set -euo pipefail
 
 packages=(
-    cmake g++ make pkg-config
+    cmake g++ make ninja-build pkg-config
     qtbase5-dev qtbase5-dev-tools libsodium-dev
     util-linux mount psmisc iproute2 procps
     xvfb xdotool x11-utils x11-apps imagemagick
