@@ -1,8 +1,8 @@
 // libFuzzer target for package discovery. Each input becomes the contents of a fresh temporary
 // directory (names with any bytes but '/' and NUL, regular files, hidden files, subdirectories,
-// links to files, to directories, to links and to nothing, link loops, FIFOs, hard links); the
-// fourteen scans of start-up run on it, and what RcList offers is checked against the
-// directory as POSIX readdir/lstat/stat and fnmatch see it. Any violation aborts.
+// links to files, to directories, to links, to a device and to nothing, link loops, FIFOs, hard
+// links); the fourteen scans of start-up run on it, and what RcList offers is checked against
+// the directory as POSIX readdir/lstat/stat and fnmatch see it. Any violation aborts.
 //
 // Input format: a sequence of records, read until the input ends or kMaxEntries were made:
 //   kind byte, suffix byte, target byte, length byte, then up to length name bytes.
@@ -21,8 +21,8 @@
 //    with case (so 'B' < 'a', and a character above U+FFFF, stored as a surrogate pair, sorts
 //    before U+E000..U+FFFF). Strictly ascending also means each name occurs at most once.
 //  - Kind: only regular files and links that end at a regular file (stat, not lstat); no
-//    directories, links to directories, dangling links, link loops or FIFOs. Only the
-//    directory's own entries, no hidden ones (leading '.').
+//    directories, links to directories, dangling links, link loops, FIFOs or links to devices
+//    or FIFOs. Only the directory's own entries, no hidden ones (leading '.').
 //  - Patterns: the name matches one of the type's patterns as a whole, without regard to case.
 //    The toolkit folds case the Unicode way: besides ASCII pairs, U+017F LATIN SMALL LETTER
 //    LONG S folds to 's' and U+212A KELVIN SIGN to 'k' (CaseFolding.txt, status C). Both are
