@@ -38,6 +38,11 @@ bool passesTerminalPassword()
 int runUsbInstaller(int &argc, char **argv)
 {
     DaxProperties security(QStringLiteral("user/system/security"), QString(), true);
+    // The windows are plain widgets: without this the X11 platform plugin loads the OpenGL
+    // stack (on a client without a GPU, a software renderer of some 50 MiB) that nothing here
+    // uses. An administrator's own setting is kept.
+    if (!qEnvironmentVariableIsSet("QT_XCB_GL_INTEGRATION"))
+        qputenv("QT_XCB_GL_INTEGRATION", "none");
     QApplication app(argc, argv);
 
     security.Load();

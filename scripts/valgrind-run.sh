@@ -20,9 +20,9 @@ printf 'Authorised use only.\n' >"$work/stick/notice.txt"
 Xvfb -displayfd 3 -nolisten tcp -screen 0 1024x768x24 3>"$work/display" 2>/dev/null &
 for _ in $(seq 300); do [ -s "$work/display" ] && break; sleep 0.1; done
 export DISPLAY=:$(head -n 1 "$work/display") XDG_RUNTIME_DIR=$work/runtime
-# No code generated at run time, which memcheck cannot follow: a widgets-only program needs
-# no OpenGL, and the toolkit's regular expressions run as well without their JIT.
-export QT_XCB_GL_INTEGRATION=none QT_ENABLE_REGEXP_JIT=0
+# No code generated at run time, which memcheck cannot follow: the toolkit's regular
+# expressions run as well without their JIT.
+export QT_ENABLE_REGEXP_JIT=0
 
 valgrind --tool=memcheck --leak-check=full --show-leak-kinds=definite \
     --errors-for-leak-kinds=none --error-exitcode=99 --num-callers=40 \
