@@ -3,8 +3,11 @@
 # peak memory of the program against the minimal window, under an Xvfb of its own.
 # Usage: in-sim.sh BUILD_DIR REPETITIONS SAMPLE_STICK
 # Per repetition, the programs one right after the other, prints (start: three times as many)
-#   start  <program ms> <minimal ms> <minimal with text ms>           (program on SAMPLE_STICK)
+#   start  <program ms> <minimal ms> <minimal with text ms> <program with OpenGL ms>
 #   memory <program KiB> <minimal KiB> <minimal with text KiB> <program on SAMPLE_STICK KiB>
+#          <program with OpenGL KiB>
+# (start: the program on SAMPLE_STICK. "With OpenGL": the X11 OpenGL integration that the
+# program turns off and the minimal window loads, for a like-for-like comparison.)
 # (memory: the program on a 1,000-file stick, peak RSS once the window has been shown a while).
 set -euo pipefail
 build=$1 repetitions=$2 sample_stick=$3
@@ -42,9 +45,11 @@ for i in $(seq $((3 * repetitions))); do
         1) m=$(ms "$minimal") t=$(ms "$minimal" text) p=$(ms "$program" "$sample_stick") ;;
         2) t=$(ms "$minimal" text) p=$(ms "$program" "$sample_stick") m=$(ms "$minimal") ;;
     esac
-    echo "start $p $m $t"
+    g=$(ms env QT_XCB_GL_INTEGRATION=xcb_glx "$program" "$sample_stick")
+    echo "start $p $m $t $g"
 done
 for _ in $(seq "$repetitions"); do
     echo "memory $(kib "$program" "$big_stick") $(kib "$minimal") $(kib "$minimal" text)" \
-        "$(kib "$program" "$sample_stick")"
+        "$(kib "$program" "$sample_stick")" \
+        "$(kib env QT_XCB_GL_INTEGRATION=xcb_glx "$program" "$big_stick")"
 done
