@@ -2,7 +2,6 @@
 
 #include "DaxProperties.h"
 #include "MgrDlg.h"
-#include "PackageTypes.h"
 #include "RcList.h"
 
 #include <QApplication>
@@ -66,8 +65,7 @@ int runUsbInstaller(int &argc, char **argv)
     // stays reachable until the process ends.
     static RcList *found = nullptr;
     found = new RcList(QString::fromUtf8(argv[1]));
-    for (const PackageType &type : PackageTypes::all())
-        found->scan(type.typeKey(), type.patternList());
+    scanEveryType(*found);
 
     if (found->entries.isEmpty()) {
         qDebug() << "no resources found in " << found->dir;

@@ -1,5 +1,7 @@
 #include "RcList.h"
 
+#include "PackageTypes.h"
+
 #include <QDebug>
 #include <QDir>
 #include <QFileInfo>
@@ -76,4 +78,10 @@ QStringList RcList::filesOfType(const QString &type) const
             files.append(entry.file);
     }
     return files;
+}
+
+void scanEveryType(RcList &list)
+{
+    for (const PackageType &type : PackageTypes::all())
+        list.scan(type.typeKey(), type.patternList());
 }

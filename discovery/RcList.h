@@ -27,4 +27,7 @@ public:
     QList<RcEntry> entries;
 };
 
+// Scans list's directory once per package type, in the table's scan order, as start-up does.
+void scanEveryType(RcList &list);
+
 #endif

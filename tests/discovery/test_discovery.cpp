@@ -41,8 +41,7 @@ QString TestDiscovery::makeFiles(QTemporaryDir &dir, const QStringList &names)
 RcList TestDiscovery::scanAll(const QString &dir)
 {
     RcList list(dir);
-    for (const PackageType &type : PackageTypes::all())
-        list.scan(type.typeKey(), type.patternList());
+    scanEveryType(list);
     return list;
 }
 

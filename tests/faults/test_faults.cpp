@@ -138,8 +138,7 @@ QByteArray sampleContent(const QString &name)
 RcList scanned(const QString &dir)
 {
     RcList list(dir);
-    for (const PackageType &type : PackageTypes::all())
-        list.scan(type.typeKey(), type.patternList());
+    scanEveryType(list);
     return list;
 }
 

@@ -88,19 +88,6 @@ QString stickAt(const QString &dir, const QStringList &files)
     return dir;
 }
 
-// The driver names listed in the printer driver database (one line per driver: name, tab, model).
-QStringList databaseDrivers()
-{
-    QStringList names;
-    const QList<QByteArray> lines =
-        simclient::readFile(QStringLiteral("/tmp/config/files/printdrivers.db")).split('\n');
-    for (const QByteArray &line : lines) {
-        if (!line.isEmpty())
-            names.append(QString::fromUtf8(line.split('\t').first()));
-    }
-    return names;
-}
-
 bool writeFile(const QString &path, const QByteArray &content)
 {
     QDir().mkpath(QFileInfo(path).path());
@@ -236,7 +223,7 @@ void TestInstallers1::printerDrivers()
     QCOMPARE(simclient::calls(),
              (QStringList{"ppddb [/tmp/config/files/ppd] [/tmp/config/files/printdrivers.db]",
                           "freeze"}));
-    const QStringList database = databaseDrivers();
+    const QStringList database = simclient::printerDatabaseDrivers();
     for (const QString &name : files) {
         QCOMPARE(simclient::readFile("/tmp/config/files/ppd/" + name), name.toUtf8());
         QVERIFY2(database.contains(name), qPrintable(name));
@@ -253,7 +240,7 @@ void TestInstallers1::printerDriverAlreadyInstalledIsKept()
 
     QCOMPARE(simclient::readFile("/tmp/config/files/ppd/office.ppd"),
              QByteArray("installed earlier"));
-    QVERIFY(databaseDrivers().contains(QStringLiteral("office.ppd")));
+    QVERIFY(simclient::printerDatabaseDrivers().contains(QStringLiteral("office.ppd")));
     QCOMPARE(simclient::calls().size(), 2);
 }
 

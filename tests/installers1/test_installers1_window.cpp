@@ -5,6 +5,7 @@
 #include "PackageTypes.h"
 #include "RcList.h"
 #include "SimClient.h"
+#include "WidgetClicks.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -53,27 +54,6 @@ protected:
         return false;
     }
 };
-
-void clickItem(QListWidget *list, const QString &text)
-{
-    const QList<QListWidgetItem *> items = list->findItems(text, Qt::MatchExactly);
-    QCOMPARE(items.size(), 1);
-    QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
-                      list->visualItemRect(items.first()).center());
-    QCOMPARE(list->currentItem(), items.first());
-}
-
-QStringList databaseDrivers()
-{
-    QStringList names;
-    const QList<QByteArray> lines =
-        simclient::readFile(QStringLiteral("/tmp/config/files/printdrivers.db")).split('\n');
-    for (const QByteArray &line : lines) {
-        if (!line.isEmpty())
-            names.append(QString::fromUtf8(line.split('\t').first()));
-    }
-    return names;
-}
 
 } // namespace
 
@@ -131,8 +111,7 @@ void TestInstallers1Window::threeTickedDriversMakeOneInstallation()
     const QStringList drivers{"Office Laser.ppd", "colour.ppd", "label.ppd"};
     const QString stick = simclient::makeStick(drivers + QStringList{"root.crt", "logo.png"});
     RcList list(stick);
-    for (const PackageType &type : PackageTypes::all())
-        list.scan(type.typeKey(), type.patternList());
+    scanEveryType(list);
     MgrDlg window(&list);
     window.show();
     QVERIFY(QTest::qWaitForWindowExposed(&window));
@@ -141,7 +120,7 @@ void TestInstallers1Window::threeTickedDriversMakeOneInstallation()
     auto *table = window.findChild<QTableWidget *>(QStringLiteral("twMulti"));
     auto *install = window.findChild<QPushButton *>(QStringLiteral("bMInstall"));
     QVERIFY(types && table && install);
-    clickItem(types, QStringLiteral("Printer Driver"));
+    QVERIFY(widgetclicks::clickItem(types, QStringLiteral("Printer Driver")));
     QVERIFY(install->isVisible());
     QCOMPARE(table->rowCount(), 3);
     for (int row = 0; row < 3; ++row) {
@@ -164,7 +143,7 @@ void TestInstallers1Window::threeTickedDriversMakeOneInstallation()
     QCOMPARE(simclient::calls(),
              (QStringList{"ppddb [/tmp/config/files/ppd] [/tmp/config/files/printdrivers.db]",
                           "freeze"}));
-    const QStringList database = databaseDrivers();
+    const QStringList database = simclient::printerDatabaseDrivers();
     for (const QString &driver : drivers) {
         QCOMPARE(simclient::readFile("/tmp/config/files/ppd/" + driver), driver.toUtf8());
         QVERIFY2(database.contains(driver), qPrintable(driver));

@@ -4,6 +4,7 @@
 #include "PackageTypes.h"
 #include "RcList.h"
 #include "SimClient.h"
+#include "WidgetClicks.h"
 
 #include <QCryptographicHash>
 #include <QListWidget>
@@ -23,19 +24,6 @@ private slots:
     void dispatchRunsTheRoutineOfEachType();
     void windowInstallsTheChosenWallpaper();
 };
-
-namespace {
-
-void clickItem(QListWidget *list, const QString &text)
-{
-    const QList<QListWidgetItem *> items = list->findItems(text, Qt::MatchExactly);
-    QCOMPARE(items.size(), 1);
-    const QRect rect = list->visualItemRect(items.first());
-    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, rect.center());
-    QCOMPARE(list->currentItem(), items.first());
-}
-
-} // namespace
 
 void TestInstallers2Ui::dispatchRunsTheRoutineOfEachType_data()
 {
@@ -89,8 +77,7 @@ void TestInstallers2Ui::windowInstallsTheChosenWallpaper()
     const QString dir = simclient::makeStick({"a.bmp", "my wall.png", "z.txt"},
                                              {"first picture", "chosen picture", "text"});
     RcList list(dir);
-    for (const PackageType &type : PackageTypes::all())
-        list.scan(type.typeKey(), type.patternList());
+    scanEveryType(list);
 
     MgrDlg window(&list);
     window.show();
@@ -100,9 +87,9 @@ void TestInstallers2Ui::windowInstallsTheChosenWallpaper()
     auto *install = window.findChild<QPushButton *>(QStringLiteral("bSInstall"));
     QVERIFY(types && files && install);
 
-    clickItem(types, QStringLiteral("Wallpaper"));
+    QVERIFY(widgetclicks::clickItem(types, QStringLiteral("Wallpaper")));
     QTRY_VERIFY(files->isVisible());
-    clickItem(files, QStringLiteral("my wall.png"));
+    QVERIFY(widgetclicks::clickItem(files, QStringLiteral("my wall.png")));
     // Returns when the progress dialog has run the installation and closed itself.
     QTest::mouseClick(install, Qt::LeftButton);
     QTRY_VERIFY(window.isVisible());

@@ -102,4 +102,16 @@ QString storeValue(const QString &storePath, const QString &key, const QString &
     return store.GetString(key, defaultValue);
 }
 
+QStringList printerDatabaseDrivers()
+{
+    QStringList names;
+    const QList<QByteArray> rows =
+        readFile(QStringLiteral("/tmp/config/files/printdrivers.db")).split('\n');
+    for (const QByteArray &row : rows) {
+        if (!row.isEmpty())
+            names.append(QString::fromUtf8(row.split('\t').first()));
+    }
+    return names;
+}
+
 } // namespace simclient

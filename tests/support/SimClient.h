@@ -37,6 +37,10 @@ QByteArray readFile(const QString &path);
 QString storeValue(const QString &storePath, const QString &key,
                    const QString &defaultValue = QString());
 
+// The driver names listed in the client's printer driver database, as its ppddb writes it (one
+// line per driver: name, tab, model).
+QStringList printerDatabaseDrivers();
+
 } // namespace simclient
 
 #endif
