@@ -8,7 +8,7 @@ packages=(
     qtbase5-dev qtbase5-dev-tools libsodium-dev
     util-linux mount psmisc iproute2 procps
     xvfb xdotool x11-utils x11-apps imagemagick
-    clang libclang-rt-14-dev valgrind dpkg-dev file
+    clang libclang-rt-14-dev valgrind dpkg-dev file lintian
 )
 
 missing=()

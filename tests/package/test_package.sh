@@ -38,12 +38,15 @@ finish() {
 
 work=$(mktemp -d /tmp/package-test.XXXXXX)
 
-# What `cmake --install` installs: the program, in the usual place, and nothing else.
+# What `cmake --install` installs, relative to the prefix: the programs, their man pages and
+# the package's copyright and changelog, nothing else.
+expected_files=$(printf '%s\n' bin/usb-installer share/doc/usb-installer/changelog.gz \
+    share/doc/usb-installer/copyright share/man/man1/usb-installer.1.gz | sort)
 installed_files() {
     cmake --install "$build" --prefix "$work/prefix" >/dev/null &&
-        [ "$(cd "$work/prefix" && find . -type f -o -type l | sort)" = "./bin/usb-installer" ]
+        [ "$(cd "$work/prefix" && find . -type f -o -type l | sed 's|^\./||' | sort)" = "$expected_files" ]
 }
-check "cmake --install installs bin/usb-installer and nothing else" installed_files
+check "cmake --install installs the program, its man page, copyright and changelog" installed_files
 
 deb=
 build_package() {
@@ -56,9 +59,16 @@ check "cpack builds usb-installer_*.deb" build_package
 [ -n "$deb" ] || finish
 
 package_contents() {
-    [ "$(dpkg-deb --fsys-tarfile "$deb" | tar -t | grep -v '/$' | sort)" = "./usr/bin/usb-installer" ]
+    [ "$(dpkg-deb --fsys-tarfile "$deb" | tar -t | grep -v '/$' | sed 's|^\./usr/||' | sort)" = "$expected_files" ]
 }
-check "the package holds /usr/bin/usb-installer and nothing else" package_contents
+check "the package holds what cmake --install installs, under /usr" package_contents
+lintian_clean() {
+    command -v lintian >/dev/null || { echo "lintian is not installed (scripts/deps.sh)"; return 1; }
+    local out
+    out=$(lintian --tag-display-limit 0 "$deb" 2>&1 | grep -E '^[EW]: ')
+    [ -z "$out" ] || { echo "$out"; return 1; }
+}
+check "lintian finds no error and no warning" lintian_clean
 
 field() { dpkg-deb --field "$deb" "$1"; }
 depends_on_runtime() {
@@ -110,7 +120,7 @@ window_on_stick() {
     local pid shown=1
     Xvfb :7 -screen 0 1024x768x24 -nolisten tcp >/dev/null 2>&1 &
     export DISPLAY=:7
-    for _ in $(seq 100); do xdpyinfo >/dev/null 2>&1 && break; sleep 0.1; done
+    for _ in $(seq 300); do xdpyinfo >/dev/null 2>&1 && break; sleep 0.1; done
     /usr/bin/usb-installer "$source_dir/sim/stick" >/dev/null 2>&1 &
     pid=$!
     timeout 60 xdotool search --sync --onlyvisible --name '^USB Installer$' >/dev/null && shown=0
