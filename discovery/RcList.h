@@ -2,6 +2,7 @@
 #define RCLIST_H
 
 #include <QList>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 
@@ -25,6 +26,9 @@ public:
 
     QString dir;
     QList<RcEntry> entries;
+
+private:
+    QSet<QString> reported; // names skipped with a debug line: one line per file, not per type
 };
 
 // Scans list's directory once per package type, in the table's scan order, as start-up does.

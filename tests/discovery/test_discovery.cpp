@@ -17,10 +17,10 @@ private slots:
     void filesOfEachType_data();
     void filesOfEachType();
     void onlyFilesOfTheDirectoryItself();
-    void linksToFilesAreOfferedUnderTheirOwnName();
     void missingAndEmptyDirectories();
     void emptyDirectoryNameMeansWorkingDirectory();
-    void hostileNamesAreSkippedAndLogged();
+    void whatIsOffered_data();
+    void whatIsOffered();
     void typeKeysAreCaseSensitive();
 
 private:
@@ -106,17 +106,6 @@ void TestDiscovery::onlyFilesOfTheDirectoryItself()
     QVERIFY2(list.entries.isEmpty(), qPrintable(list.entries.value(0).file));
 }
 
-void TestDiscovery::linksToFilesAreOfferedUnderTheirOwnName()
-{
-    QTemporaryDir dir;
-    makeFiles(dir, {"target.bin"});
-    QVERIFY(QFile::link(dir.filePath("target.bin"), dir.filePath("linked.rdp")));
-
-    const RcList list = scanAll(dir.path());
-    QCOMPARE(list.filesOfType("rdpfile"), QStringList{"linked.rdp"});
-    QCOMPARE(list.entries.size(), 1);
-}
-
 void TestDiscovery::missingAndEmptyDirectories()
 {
     QTemporaryDir dir;
@@ -149,45 +138,91 @@ QStringList &messages()
 }
 } // namespace
 
-void TestDiscovery::hostileNamesAreSkippedAndLogged()
+void TestDiscovery::whatIsOffered_data()
 {
-    // name on the stick, and a part of it that the debug line must show
-    const QList<QPair<QString, QString>> hostile{{"a;reboot;.rdp", "a;reboot;.rdp"},
-                                                 {"$(id).jpg", "$(id).jpg"},
-                                                 {"`id`.jpg", "`id`.jpg"},
-                                                 {"a&b.jpg", "a&b.jpg"},
-                                                 {"a|b.jpg", "a|b.jpg"},
-                                                 {"a<b.jpg", "a<b.jpg"},
-                                                 {"a>b.jpg", "a>b.jpg"},
-                                                 {"line\nbreak.jpg", "break.jpg"},
-                                                 {"carriage\rreturn.jpg", "return.jpg"},
-                                                 {"a\" \"b.crt.jpg", "b.crt.jpg"},
-                                                 {"back\\slash.jpg", "slash.jpg"}};
-    const QStringList harmless{"a b (1) 'q' [*?] #2.jpg", "ok.jpg"};
-    QTemporaryDir dir;
-    for (const auto &name : hostile)
-        makeFiles(dir, {name.first});
-    makeFiles(dir, harmless);
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("link");      // target of a link by that name; empty: a file
+    QTest::addColumn<QStringList>("shown"); // what its one debug line holds; empty: no line
+
+    // Names a shell would act on: never offered.
+    for (const char *hostile : {"a;reboot;.rdp", "$(id).jpg", "`id`.jpg", "a&b.jpg", "a|b.jpg",
+                                "a<b.jpg", "a>b.jpg", "-x.crt", "-rf.jpg"})
+        QTest::newRow(hostile) << hostile << "" << QStringList{hostile};
+    QTest::newRow("line break") << "line\nbreak.jpg"
+                                << "" << QStringList{"break.jpg", "line break"};
+    QTest::newRow("carriage return") << "carriage\rreturn.jpg"
+                                     << "" << QStringList{"return.jpg"};
+    QTest::newRow("double quotes") << "a\" \"b.crt.jpg"
+                                   << "" << QStringList{"b.crt.jpg", "'\"'"};
+    QTest::newRow("backslash") << "back\\slash.jpg"
+                               << "" << QStringList{"slash.jpg"};
+    // Names the installers quote where they leave a path bare: offered.
+    QTest::newRow("blank, quotes, globs") << "a b (1) 'q' [*?] #2.jpg"
+                                          << "" << QStringList{};
+    QTest::newRow("dash inside, tilde, non-ASCII") << "x-y ~root é.jpg"
+                                                   << "" << QStringList{};
+
+    // Links: offered only while they end at a regular file inside the stick.
+    QTest::newRow("link to a file beside it") << "linked.rdp"
+                                              << "real.bin" << QStringList{};
+    QTest::newRow("link into a subfolder") << "deep.jpg"
+                                           << "sub/in.bin" << QStringList{};
+    QTest::newRow("absolute link out")
+        << "abs.txt"
+        << "/etc/passwd" << QStringList{"abs.txt", "leaves", "/etc/passwd"};
+    QTest::newRow("relative link out")
+        << "up.crt"
+        << "../outside.bin" << QStringList{"up.crt", "leaves", "outside.bin"};
+    QTest::newRow("chain of links out")
+        << "chain.jpg"
+        << "hop" << QStringList{"chain.jpg", "leaves", "/etc/passwd"};
+    QTest::newRow("link loop") << "loop.jpg"
+                               << "loop.jpg" << QStringList{"loop.jpg", "loop"};
+    QTest::newRow("dangling link")
+        << "dangling.png"
+        << "missing.png" << QStringList{"dangling.png", "dangling", "missing.png"};
+    QTest::newRow("link to a device") << "dev.jpg"
+                                      << "/dev/null" << QStringList{"dev.jpg", "/dev/null"};
+    QTest::newRow("link to the stick itself")
+        << "dir.jpg"
+        << "." << QStringList{"dir.jpg", "not a regular file"};
+}
+
+// Every type scans the entry beside a file, a subfolder, a link out (none of them matching any
+// pattern) and the stick's parent; a skipped entry gets one debug line, however many types'
+// patterns it matches.
+void TestDiscovery::whatIsOffered()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, link);
+    QFETCH(QStringList, shown);
+
+    QTemporaryDir parent;
+    makeFiles(parent, {"outside.bin"});
+    QVERIFY(QDir(parent.path()).mkpath("stick/sub"));
+    const QString stick = parent.filePath("stick");
+    for (const char *file : {"/real.bin", "/sub/in.bin"})
+        QVERIFY(QFile(stick + QLatin1String(file)).open(QIODevice::WriteOnly));
+    QVERIFY(QFile::link("/etc/passwd", stick + "/hop"));
+    const QString path = stick + '/' + name;
+    QVERIFY(link.isEmpty() ? QFile(path).open(QIODevice::WriteOnly) : QFile::link(link, path));
 
     messages().clear();
     const QtMessageHandler previous =
         qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &message) {
             messages().append(message);
         });
-    RcList list(dir.path());
-    list.scan("desktop", {"*.jpg"});
-    list.scan("rdpfile", {"*.rdp"});
+    const RcList list = scanAll(stick);
     qInstallMessageHandler(previous);
 
-    QCOMPARE(list.filesOfType("desktop"), harmless);
-    QVERIFY(list.filesOfType("rdpfile").isEmpty());
-    QCOMPARE(messages().size(), hostile.size());
-    for (const auto &name : hostile) {
-        const bool named =
-            std::any_of(messages().cbegin(), messages().cend(),
-                        [&name](const QString &m) { return m.contains(name.second); });
-        QVERIFY2(named, qPrintable(name.second));
-    }
+    QStringList offered;
+    for (const RcEntry &entry : list.entries)
+        offered.append(entry.file);
+    offered.removeDuplicates();
+    QCOMPARE(offered, shown.isEmpty() ? QStringList{name} : QStringList{});
+    QCOMPARE(messages().size(), shown.isEmpty() ? 0 : 1);
+    for (const QString &part : shown)
+        QVERIFY2(messages().first().contains(part), qPrintable(messages().first()));
 }
 
 void TestDiscovery::typeKeysAreCaseSensitive()
