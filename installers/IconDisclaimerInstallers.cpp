@@ -23,8 +23,8 @@ int installDisclaimer(InstallJob *job)
 {
     if (job->files.isEmpty())
         return 1;
-    // Intended: the source path is not quoted.
-    run(QStringLiteral("cp ") + sourcePath(*job, job->files.first()) +
+    // The source path is a bare word: quoted only when the path needs it.
+    run(QStringLiteral("cp ") + shellWord(sourcePath(*job, job->files.first())) +
         QStringLiteral(" /tmp/config/files/disclaimer.txt"));
     run("getxmlconfig -wff user/system/desktop DISCLAIMER /tmp/config/files/disclaimer.txt");
     run("freeze");

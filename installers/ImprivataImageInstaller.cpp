@@ -58,8 +58,8 @@ int installImprivataImage(InstallJob *job, int kind)
         return 0;
     const QString &name = job->files.first();
     const QString destination = QStringLiteral("/tmp/config/files/") + name;
-    // Intended: the destination is not quoted.
-    run(fill("cp \"%1/%2\" %3", job->dir, name, destination));
+    // The destination is a bare word: quoted only when the name needs it.
+    run(fill("cp \"%1/%2\" %3", job->dir, name, shellWord(destination)));
 
     if (DaxRegistry::isLegacyMode()) {
         writeLegacy(*names, destination);

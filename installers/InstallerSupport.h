@@ -21,6 +21,12 @@ template <typename... Args> QString fill(const char *commandTemplate, Args &&...
 // The path of a chosen file on the stick: "%1/%2" with the job's directory and the bare name.
 QString sourcePath(const InstallJob &job, const QString &file);
 
+// A word for a position where a command leaves a path bare: written as it is when the shell
+// reads it as exactly itself (ASCII letters, digits and _ . / + , : = @ % -), otherwise whole in
+// single quotes, a ' inside as '\''. An ordinary name so keeps the client's command byte for
+// byte, and a blank, #, ~, glob or quote in a name can no longer split, comment out or expand it.
+QString shellWord(const QString &word);
+
 // Runs one command line through the platform's shell runner; its status is never looked at.
 void run(const QString &commandLine);
 void run(const char *commandLine);

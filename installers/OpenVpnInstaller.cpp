@@ -16,8 +16,9 @@ int installOpenVpn(InstallJob *job)
         QStringLiteral("mkdir -p /tmp/config/files/openvpn/client"),
         QStringLiteral("mkdir -p /etc/openvpn/client"),
         fill("cp \"%1/%2\" /tmp/config/files/openvpn/client", job->dir, name),
-        // Intended: the link target is not quoted.
-        fill("ln -s /tmp/config/files/openvpn/client/%1 /etc/openvpn/client", name),
+        // The link target is a bare word: quoted only when the name needs it.
+        fill("ln -s %1 /etc/openvpn/client",
+             shellWord(QStringLiteral("/tmp/config/files/openvpn/client/") + name)),
         // Intended: the converter runs on in the background; the one-second wait is all the
         // synchronisation there is.
         QStringLiteral("ovpn2xml &"),

@@ -12,8 +12,8 @@ int installRdpFile(InstallJob *job)
 {
     if (job->files.isEmpty())
         return 0;
-    // Intended: the path is not quoted, so a blank splits it into two arguments.
-    run(QStringLiteral("/usr/bin/rdpimport ") + sourcePath(*job, job->files.first()));
+    // The path is a bare word: quoted only when it needs it, so a blank no longer splits it.
+    run(QStringLiteral("/usr/bin/rdpimport ") + shellWord(sourcePath(*job, job->files.first())));
     if (QFile::exists(QStringLiteral("/tmp/.mvyx64"))) {
         run("/usr/bin/reload_desktop");
     } else {

@@ -42,14 +42,11 @@ private slots:
     void screenConnect();
 
     void openVpn();
-    void openVpnNameWithBlankBreaksTheLink();
 
     void iconWithBlankInItsName();
 
     void disclaimer_data();
     void disclaimer();
-    void disclaimerPathWithBlankBreaksOnlyTheCopy_data();
-    void disclaimerPathWithBlankBreaksOnlyTheCopy();
 };
 
 namespace {
@@ -380,25 +377,6 @@ void TestInstallers1::openVpn()
     QTRY_COMPARE(simclient::calls(), QStringList{"ovpn2xml"});
 }
 
-void TestInstallers1::openVpnNameWithBlankBreaksTheLink()
-{
-    const QString stick = simclient::makeStick({"branch office.ovpn"});
-    InstallJob job(QStringLiteral("openvpn"), stick, {"branch office.ovpn"});
-
-    QCOMPARE(installOpenVpn(&job), 1);
-
-    const QString stored = QStringLiteral("/tmp/config/files/openvpn/client/branch office.ovpn");
-    QCOMPARE(simclient::readFile(stored), QByteArray("branch office.ovpn"));
-    QVERIFY(!QFileInfo::exists("/etc/openvpn/client/branch office.ovpn"));
-    const QFileInfoList entries =
-        QDir(QStringLiteral("/etc/openvpn/client"))
-            .entryInfoList(QDir::AllEntries | QDir::System | QDir::Hidden | QDir::NoDotAndDotDot);
-    for (const QFileInfo &entry : entries)
-        QVERIFY2(entry.canonicalFilePath() != stored, qPrintable(entry.filePath()));
-    QCOMPARE(simclient::shellLog().last(), QStringLiteral("sleep 1"));
-    QTRY_COMPARE(simclient::calls(), QStringList{"ovpn2xml"});
-}
-
 void TestInstallers1::iconWithBlankInItsName()
 {
     const QString stick = simclient::makeStick({"company logo.png"});
@@ -451,37 +429,6 @@ void TestInstallers1::disclaimer()
     QCOMPARE(simclient::readFile("/tmp/config/files/disclaimer.txt"), contents.first());
     QCOMPARE(simclient::storeValue("user/system/desktop", "DISCLAIMER"),
              QString::fromUtf8(contents.first()));
-}
-
-void TestInstallers1::disclaimerPathWithBlankBreaksOnlyTheCopy_data()
-{
-    QTest::addColumn<QString>("stick");
-    QTest::addColumn<QString>("file");
-
-    QTest::newRow("blank in the file name")
-        << stickAt("/tmp/sticks/plain", {"log in notice.txt"}) << "log in notice.txt";
-    QTest::newRow("blank in the directory")
-        << stickAt("/tmp/sticks/my stick", {"notice.txt"}) << "notice.txt";
-}
-
-void TestInstallers1::disclaimerPathWithBlankBreaksOnlyTheCopy()
-{
-    QFETCH(QString, stick);
-    QFETCH(QString, file);
-
-    QVERIFY(writeFile("/tmp/config/files/disclaimer.txt", "Earlier notice."));
-    InstallJob job(QStringLiteral("disclaimer"), stick, {file});
-
-    QCOMPARE(installDisclaimer(&job), 1);
-
-    QCOMPARE(simclient::readFile("/tmp/config/files/disclaimer.txt"),
-             QByteArray("Earlier notice."));
-    QCOMPARE(simclient::calls(),
-             (QStringList{"getxmlconfig [-wff] [user/system/desktop] [DISCLAIMER] "
-                          "[/tmp/config/files/disclaimer.txt]",
-                          "freeze"}));
-    QCOMPARE(simclient::storeValue("user/system/desktop", "DISCLAIMER"),
-             QStringLiteral("Earlier notice."));
 }
 
 QTEST_GUILESS_MAIN(TestInstallers1)
