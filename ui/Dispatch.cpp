@@ -2,12 +2,13 @@
 
 #include "InstallJob.h"
 #include "Installers.h"
+#include "LinkRecheck.h"
 #include "PackageTypes.h"
 
 int dispatch(InstallJob *job)
 {
     const PackageType *type = PackageTypes::find(job->type);
-    if (!type)
+    if (!type || !installers::keepOnlyFilesOnTheStick(*job))
         return 0;
 
     using namespace installers;

@@ -1,0 +1,29 @@
+#include "LinkRecheck.h"
+
+#include "InstallJob.h"
+#include "StickEntry.h"
+
+#include <QDebug>
+
+namespace installers {
+
+bool keepOnlyFilesOnTheStick(InstallJob &job)
+{
+    if (job.files.isEmpty())
+        return true;
+    const StickDirectory stick(job.dir);
+    QStringList kept;
+    for (const QString &file : qAsConst(job.files)) {
+        const StickEntry entry = stick.classify(file);
+        if (entry.link && !entry.offered()) {
+            qCDebug(lcStick) << "left out of the installation:" << file
+                             << qUtf8Printable(entry.reason());
+            continue;
+        }
+        kept.append(file);
+    }
+    job.files = kept;
+    return !kept.isEmpty();
+}
+
+} // namespace installers
