@@ -94,6 +94,7 @@ QPushButton {
 put "$log_dir/shell.log" ''
 put "$log_dir/calls.log" ''
 put_dir "$state_dir/certs"
+put_dir "$state_dir/changes"
 put "$state_dir/inside" $'This folder exists only inside the simulated client.\n'
 put_link /usr/bin/rdpimport "$sim_bin/rdpimport"
 put_link /usr/bin/reload_desktop "$sim_bin/reload_desktop"
@@ -149,6 +150,11 @@ ln -s /proc/self/fd "$root/dev/fd"
 ln -s /proc/self/fd/0 "$root/dev/stdin"
 ln -s /proc/self/fd/1 "$root/dev/stdout"
 ln -s /proc/self/fd/2 "$root/dev/stderr"
+
+# What the command has changed so far, for tests that check where writes landed: the upper
+# layer, read-only (a removed file shows there as a character device 0/0).
+mount --bind "$upper" "$root$state_dir/changes" && mount -o remount,bind,ro "$root$state_dir/changes" ||
+    fail "cannot show the changes inside"
 
 if [ -n "$_SIM_DISPLAY" ]; then
     # Path sockets work across network namespaces (the abstract ones do not, and X clients

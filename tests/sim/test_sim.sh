@@ -80,10 +80,11 @@ group_writes() {
         echo changed >>/etc/issue
         rm /etc/issue.net
         rm -rf /var/cache/debconf
-        cat /boot/$tag /etc/$tag/file '/config/$tag/with blank' /var/cache/$tag/file /tmp/config/files/$tag"
+        cat /boot/$tag /etc/$tag/file '/config/$tag/with blank' /var/cache/$tag/file /tmp/config/files/$tag
+        test -f /var/lib/sim/changes/etc/$tag/file && ! touch /var/lib/sim/changes/x 2>/dev/null"
     check "writes under /boot, /etc, /config, /var/cache and /tmp/config succeed inside" \
         [ "$rc" = 0 ]
-    check "the command read back what it wrote" \
+    check "the command read back what it wrote, and saw it among the changes, read-only" \
         [ "$(tr '\n' ' ' <"$work/out")" = "boot etc config cache tree " ]
     check_line "report: file added under /boot" "$work/report" "A /boot/$tag"
     check_line "report: folder added under /etc" "$work/report" "A /etc/$tag/"

@@ -3,6 +3,7 @@
 #include "DaxProperties.h"
 
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QtGlobal>
 
@@ -73,6 +74,17 @@ void clearLogs()
 {
     truncate("DAX_SHELL_LOG");
     truncate("SIM_CALL_LOG");
+}
+
+QStringList changedPaths()
+{
+    const QString changes = QStringLiteral("/var/lib/sim/changes");
+    QStringList paths;
+    QDirIterator it(changes, QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
+                    QDirIterator::Subdirectories);
+    while (it.hasNext())
+        paths.append(it.next().mid(changes.size()));
+    return paths;
 }
 
 QString makeStick(const QStringList &files, const QList<QByteArray> &contents)

@@ -25,6 +25,10 @@ QStringList calls(const QString &tool);
 // Empties both logs, so that a test case sees only its own commands.
 void clearLogs();
 
+// Every path the test has written, changed or removed in the simulated client so far ("/etc/x"),
+// folders included.
+QStringList changedPaths();
+
 // A fresh directory under /tmp/sticks holding the given files; each file's content is its own
 // name unless contents gives one.
 QString makeStick(const QStringList &files, const QList<QByteArray> &contents = {});
