@@ -3,9 +3,11 @@
 #include "DaxProperties.h"
 #include "MgrDlg.h"
 #include "RcList.h"
+#include "StickEntry.h"
 
 #include <QApplication>
 #include <QDebug>
+#include <QOpenGLContext>
 #include <QProcess>
 #include <QStringList>
 
@@ -32,17 +34,56 @@ bool passesTerminalPassword()
     return false;
 }
 
+// The windows are plain widgets: without this the X11 platform plugin loads the OpenGL stack (on
+// a client without a GPU, a software renderer of some 50 MiB) that nothing here uses. An
+// administrator's own setting is kept. True when the setting is the program's own.
+bool turnOffGlIntegration()
+{
+    if (qEnvironmentVariableIsSet("QT_XCB_GL_INTEGRATION"))
+        return false;
+    qputenv("QT_XCB_GL_INTEGRATION", "none");
+    return true;
+}
+
+// Every program started from here on (the password prompt, killall, the desktop programs the
+// installers restart) gets the environment the program was started with, not the toolkit's
+// settings for this process. The X11 plugin reads its setting only when first asked about
+// OpenGL, so it is asked now, before the setting goes.
+void restoreStartEnvironment(bool glTurnedOff)
+{
+    if (!glTurnedOff)
+        return;
+    QOpenGLContext::supportsThreadedOpenGL();
+    qunsetenv("QT_XCB_GL_INTEGRATION");
+}
+
+// The installers put the mount directory into root shell commands: one holding a character
+// that would end, chain, redirect or unquote such a command is refused before anything is done.
+bool refusesMountDirectory(const QString &dir)
+{
+    const QChar unsafe = shellUnsafeCharacter(dir);
+    if (unsafe.isNull())
+        return false;
+    // One line, whatever the path holds.
+    const auto visible = [](QString text) {
+        return text.replace(QLatin1Char('\n'), QLatin1String("\\n"))
+            .replace(QLatin1Char('\r'), QLatin1String("\\r"));
+    };
+    std::fprintf(stderr,
+                 "Refusing the mount directory \"%s\": it holds '%s', which a shell command "
+                 "would act on\n",
+                 qUtf8Printable(visible(dir)), qUtf8Printable(visible(unsafe)));
+    return true;
+}
+
 } // namespace
 
 int runUsbInstaller(int &argc, char **argv)
 {
     DaxProperties security(QStringLiteral("user/system/security"), QString(), true);
-    // The windows are plain widgets: without this the X11 platform plugin loads the OpenGL
-    // stack (on a client without a GPU, a software renderer of some 50 MiB) that nothing here
-    // uses. An administrator's own setting is kept.
-    if (!qEnvironmentVariableIsSet("QT_XCB_GL_INTEGRATION"))
-        qputenv("QT_XCB_GL_INTEGRATION", "none");
+    const bool glTurnedOff = turnOffGlIntegration();
     QApplication app(argc, argv);
+    restoreStartEnvironment(glTurnedOff);
 
     security.Load();
     if (security.GetBoolean(QStringLiteral("enableterminalpass"), false) &&
@@ -54,6 +95,9 @@ int runUsbInstaller(int &argc, char **argv)
         std::printf("usage : %s mount_dir\n", argv[0]);
         return 1;
     }
+    const QString mountDir = QString::fromUtf8(argv[1]);
+    if (refusesMountDirectory(mountDir))
+        return 1;
 
     // "wpassword", not the gate's "wpasswd": the two names differ on purpose.
     QProcess cleanup;
@@ -64,7 +108,7 @@ int runUsbInstaller(int &argc, char **argv)
     // Read by the main window for the whole run and never deleted; held in a static so that it
     // stays reachable until the process ends.
     static RcList *found = nullptr;
-    found = new RcList(QString::fromUtf8(argv[1]));
+    found = new RcList(mountDir);
     scanEveryType(*found);
 
     if (found->entries.isEmpty()) {

@@ -13,6 +13,8 @@ namespace {
 
 const QString workDir = QStringLiteral("/tmp/e2e");
 const QString releaseFile = workDir + QStringLiteral("/release");
+// What the installer's sync saw of the toolkit's GL integration setting.
+const QString syncEnv = workDir + QStringLiteral("/sync-env");
 
 // Where the controls sit in the main window (the form's absolute geometry).
 const QPoint typeListRow0(60, 90);
@@ -128,7 +130,8 @@ void TestE2e::installFromTheWindow()
     QDir().mkpath(tools);
     QFile sync(tools + QStringLiteral("/sync"));
     QVERIFY(sync.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    sync.write("#!/bin/sh\nwhile [ ! -e '" + releaseFile.toUtf8() +
+    sync.write("#!/bin/sh\necho \"${QT_XCB_GL_INTEGRATION-unset}\" >'" + syncEnv.toUtf8() +
+               "'\nwhile [ ! -e '" + releaseFile.toUtf8() +
                "' ]; do sleep 0.1; done\nexec /bin/sync \"$@\"\n");
     sync.close();
     QVERIFY(sync.setPermissions(sync.permissions() | QFileDevice::ExeOwner));
@@ -142,6 +145,7 @@ void TestE2e::installFromTheWindow()
                           QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
     env.insert(QStringLiteral("XDG_RUNTIME_DIR"), runtime);
     env.remove(QStringLiteral("QT_QPA_PLATFORM"));
+    env.remove(QStringLiteral("QT_XCB_GL_INTEGRATION"));
     installer.setProcessEnvironment(env);
     installer.start(QString::fromLocal8Bit(qgetenv("USBI_BINARY_DIR")) +
                         QStringLiteral("/usb-installer"),
@@ -154,6 +158,11 @@ void TestE2e::installFromTheWindow()
         x({"xdotool", "search", "--sync", "--onlyvisible", "--name", "^USB Installer$"}, &ok);
     QVERIFY2(ok && !window.contains(QLatin1Char('\n')), qPrintable(window));
     QCOMPARE(geometry(window), QStringLiteral("653x351"));
+    // The widgets never use OpenGL: no driver of the GL stack is loaded.
+    const QByteArray maps =
+        simclient::readFile(QStringLiteral("/proc/%1/maps").arg(installer.processId()));
+    QVERIFY(maps.contains("libQt5Widgets"));
+    QVERIFY(!maps.contains("_dri.so"));
 
     // "Wallpaper" is the last of the five types a picture offers: focus the type list and go
     // to its end, then install the picture preselected on its page.
@@ -177,6 +186,9 @@ void TestE2e::installFromTheWindow()
     QTRY_COMPARE_WITH_TIMEOUT(mapState(window), QStringLiteral("IsViewable"), 60000);
     QCOMPARE(visibleWindows(), QStringList{window});
     QCOMPARE(installer.state(), QProcess::Running);
+
+    // The installer's commands see the environment the program was started with.
+    QCOMPARE(simclient::readFile(syncEnv), QByteArray("unset\n"));
 
     // One installation, of the picture chosen as wallpaper.
     QCOMPARE(simclient::calls(QStringLiteral("setwp")),

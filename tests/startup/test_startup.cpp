@@ -12,6 +12,8 @@
 namespace {
 
 const QString workDir = QStringLiteral("/tmp/startup");
+// What the recording scripts saw of the toolkit's setting, one line per call.
+const QString envLog = workDir + QStringLiteral("/env.log");
 
 QString program()
 {
@@ -25,8 +27,9 @@ void writeScript(const QString &path, const QByteArray &body)
     file.write(
         "#!/bin/sh\n"
         "{ printf '%s' \"$(basename \"$0\")\"; for a; do printf ' [%s]' \"$a\"; done; echo; }"
-        " >> \"$SIM_CALL_LOG\"\n" +
-        body);
+        " >> \"$SIM_CALL_LOG\"\n"
+        "echo \"$(basename \"$0\") ${QT_XCB_GL_INTEGRATION-unset}\" >> " +
+        envLog.toUtf8() + "\n" + body);
     file.close();
     QVERIFY(file.setPermissions(file.permissions() | QFileDevice::ExeOwner));
 }
@@ -107,6 +110,8 @@ private slots:
     void commandLineAndGate();
     void gateWithoutPrompt();
     void windowKeepsRunning();
+    void programsSeeTheStartEnvironment_data();
+    void programsSeeTheStartEnvironment();
 };
 
 void TestStartup::initTestCase()
@@ -139,6 +144,9 @@ void TestStartup::commandLineAndGate_data()
     const QString notFound = QStringLiteral("no resources found in  \"%1\"\n");
     const QStringList cleanup{"killall [wpassword]"};
     const QStringList refused{"wpasswd", "killall [wpasswd]"};
+    const QString unsafe =
+        QStringLiteral("Refusing the mount directory \"%1\": it holds '%2', which a shell "
+                       "command would act on\n");
 
     QTest::newRow("no argument") << "off" << QStringList() << 1 << usage << "" << QStringList();
     QTest::newRow("two arguments")
@@ -155,6 +163,11 @@ void TestStartup::commandLineAndGate_data()
                                     << notFound.arg("/tmp/no such stick") << cleanup;
     QTest::newRow("nothing installable")
         << "off" << QStringList{nothing} << 0 << "" << notFound.arg(nothing) << cleanup;
+    QTest::newRow("mount folder holding ;") << "off" << QStringList{"/tmp/sticks/a;b"} << 1 << ""
+                                            << unsafe.arg("/tmp/sticks/a;b", ";") << QStringList();
+    QTest::newRow("mount folder holding a line break")
+        << "off" << QStringList{"/media/a\nb$"} << 1 << "" << unsafe.arg("/media/a\\nb$", "\\n")
+        << QStringList();
     QTest::newRow("gate passed") << "1" << QStringList{empty} << 0 << ""
                                  << QStringLiteral("Exit codee  1\n") + notFound.arg(empty)
                                  << QStringList{"wpasswd", "killall [wpassword]"};
@@ -215,6 +228,37 @@ void TestStartup::windowKeepsRunning()
     QVERIFY(process.waitForFinished(60000));
     QCOMPARE(QString::fromLocal8Bit(process.readAllStandardOutput()), QString());
     QCOMPARE(QString::fromLocal8Bit(process.readAllStandardError()), QString());
+}
+
+void TestStartup::programsSeeTheStartEnvironment_data()
+{
+    QTest::addColumn<QByteArray>("setting"); // the toolkit's GL integration setting, if any
+    QTest::newRow("not set") << QByteArray();
+    QTest::newRow("set by the administrator") << QByteArray("xcb_egl");
+}
+
+// The program turns the toolkit's OpenGL integration off for itself only: the password prompt
+// and killall see the environment it was started with.
+void TestStartup::programsSeeTheStartEnvironment()
+{
+    QFETCH(QByteArray, setting);
+    const QByteArray previous = qgetenv("QT_XCB_GL_INTEGRATION");
+    if (setting.isNull())
+        qunsetenv("QT_XCB_GL_INTEGRATION");
+    else
+        qputenv("QT_XCB_GL_INTEGRATION", setting);
+    setGate(true);
+    QFile::remove(envLog);
+    const Outcome outcome = run(program(), {simclient::makeStick({})}, toolFolder("1"));
+    if (previous.isNull())
+        qunsetenv("QT_XCB_GL_INTEGRATION");
+    else
+        qputenv("QT_XCB_GL_INTEGRATION", previous);
+
+    QCOMPARE(outcome.status, 0);
+    const QString seen = setting.isNull() ? QStringLiteral("unset") : QString::fromLatin1(setting);
+    QCOMPARE(simclient::readFile(envLog),
+             ("wpasswd " + seen + "\nkillall " + seen + "\n").toUtf8());
 }
 
 QTEST_GUILESS_MAIN(TestStartup)
