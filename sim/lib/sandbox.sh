@@ -94,7 +94,7 @@ QPushButton {
 put "$log_dir/shell.log" ''
 put "$log_dir/calls.log" ''
 put_dir "$state_dir/certs"
-put_dir "$state_dir/changes"
+put_dir /var/lib/sim-changes
 put "$state_dir/inside" $'This folder exists only inside the simulated client.\n'
 put_link /usr/bin/rdpimport "$sim_bin/rdpimport"
 put_link /usr/bin/reload_desktop "$sim_bin/reload_desktop"
@@ -153,7 +153,8 @@ ln -s /proc/self/fd/2 "$root/dev/stderr"
 
 # What the command has changed so far, for tests that check where writes landed: the upper
 # layer, read-only (a removed file shows there as a character device 0/0).
-mount --bind "$upper" "$root$state_dir/changes" && mount -o remount,bind,ro "$root$state_dir/changes" ||
+changes_view=$root/var/lib/sim-changes
+mount --bind "$upper" "$changes_view" && mount -o remount,bind,ro "$changes_view" ||
     fail "cannot show the changes inside"
 
 if [ -n "$_SIM_DISPLAY" ]; then

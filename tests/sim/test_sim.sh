@@ -81,7 +81,7 @@ group_writes() {
         rm /etc/issue.net
         rm -rf /var/cache/debconf
         cat /boot/$tag /etc/$tag/file '/config/$tag/with blank' /var/cache/$tag/file /tmp/config/files/$tag
-        test -f /var/lib/sim/changes/etc/$tag/file && ! touch /var/lib/sim/changes/x 2>/dev/null"
+        test -f /var/lib/sim-changes/etc/$tag/file && ! touch /var/lib/sim-changes/x 2>/dev/null"
     check "writes under /boot, /etc, /config, /var/cache and /tmp/config succeed inside" \
         [ "$rc" = 0 ]
     check "the command read back what it wrote, and saw it among the changes, read-only" \

@@ -78,7 +78,7 @@ void clearLogs()
 
 QStringList changedPaths()
 {
-    const QString changes = QStringLiteral("/var/lib/sim/changes");
+    const QString changes = QStringLiteral("/var/lib/sim-changes");
     QStringList paths;
     QDirIterator it(changes, QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
                     QDirIterator::Subdirectories);
