@@ -15,6 +15,17 @@ QString quoted(const QString &text)
     return QLatin1Char('"') + text + QLatin1Char('"');
 }
 
+// A path where a template leaves it bare: whole in single quotes unless every character is one
+// the shell reads as itself.
+QString bare(QString text)
+{
+    static const QRegularExpression plain(QStringLiteral("^[A-Za-z0-9_./+,:=@%-]+$"));
+    if (plain.match(text).hasMatch())
+        return text;
+    return QLatin1Char('\'') + text.replace(QLatin1Char('\''), QLatin1String("'\\''")) +
+           QLatin1Char('\'');
+}
+
 // MD5 of a file as the installers take it; empty when it cannot be opened or read.
 QString digestOf(const QString &path)
 {
@@ -105,12 +116,10 @@ void desktop(ExpectedRun &run, const QString &source, const QString &name)
 
 void rdpFile(ExpectedRun &run, const QString &source)
 {
-    run.shell << QStringLiteral("/usr/bin/rdpimport ") + source
+    run.shell << QStringLiteral("/usr/bin/rdpimport ") + bare(source)
               << QStringLiteral("killall rdp-desktop") << QStringLiteral("rdp-desktop.sh &")
               << QStringLiteral("freeze");
-    // The path is not quoted: blanks and tabs split it into several arguments.
-    static const QRegularExpression blanks(QStringLiteral("[ \t]+"));
-    run.calls << callLine(QStringLiteral("rdpimport"), source.split(blanks, Qt::SkipEmptyParts))
+    run.calls << callLine(QStringLiteral("rdpimport"), {source})
               << callLine(QStringLiteral("freeze"));
     run.background << callLine(QStringLiteral("rdp-desktop.sh"));
 }
@@ -132,16 +141,6 @@ QString callLine(const QString &tool, const QStringList &args)
 QString toolOf(const QString &line)
 {
     return line.section(QLatin1Char(' '), 0, 0);
-}
-
-bool quotingHolds(const QString &type, const QString &name)
-{
-    static const QRegularExpression breaksDoubleQuotes(QStringLiteral(R"(["\\])"));
-    static const QRegularExpression shellUnquoted(QStringLiteral(R"(['"\\*?\[#~])"));
-    const PackageType *row = PackageTypes::find(type);
-    if (row && row->routine == InstallerRoutine::RdpFile)
-        return !name.contains(shellUnquoted);
-    return !name.contains(breaksDoubleQuotes);
 }
 
 ExpectedRun expectedRun(const QString &type, const QString &dir, const QStringList &names)
@@ -188,16 +187,15 @@ ExpectedRun expectedRun(const QString &type, const QString &dir, const QStringLi
         run.calls << callLine(QStringLiteral("freeze"));
         break;
     case InstallerRoutine::ImprivataImage:
-        // The destination is not quoted.
-        run.shell << QStringLiteral("cp %1 %2/%3").arg(quoted(source), files, name)
+        run.shell << QStringLiteral("cp %1 %2").arg(quoted(source), bare(files + "/" + name))
                   << QStringLiteral("touch /tmp/proveidevents/reloadcfg");
         break;
     case InstallerRoutine::OpenVpn:
         run.shell << QStringLiteral("mkdir -p /tmp/config/files/openvpn/client")
                   << QStringLiteral("mkdir -p /etc/openvpn/client")
                   << QStringLiteral("cp %1 /tmp/config/files/openvpn/client").arg(quoted(source))
-                  << QStringLiteral("ln -s /tmp/config/files/openvpn/client/%1 /etc/openvpn/client")
-                         .arg(name)
+                  << QStringLiteral("ln -s %1 /etc/openvpn/client")
+                         .arg(bare(files + "/openvpn/client/" + name))
                   << QStringLiteral("ovpn2xml &") << QStringLiteral("sleep 1");
         run.background << callLine(QStringLiteral("ovpn2xml"));
         break;
@@ -205,8 +203,7 @@ ExpectedRun expectedRun(const QString &type, const QString &dir, const QStringLi
         rdpFile(run, source);
         break;
     case InstallerRoutine::Disclaimer:
-        // The source path is not quoted.
-        run.shell << QStringLiteral("cp %1 /tmp/config/files/disclaimer.txt").arg(source)
+        run.shell << QStringLiteral("cp %1 /tmp/config/files/disclaimer.txt").arg(bare(source))
                   << QStringLiteral("getxmlconfig -wff user/system/desktop DISCLAIMER "
                                     "/tmp/config/files/disclaimer.txt")
                   << QStringLiteral("freeze");

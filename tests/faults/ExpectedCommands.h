@@ -18,12 +18,6 @@ struct ExpectedRun
 // the installation has run.
 ExpectedRun expectedRun(const QString &type, const QString &dir, const QStringList &files);
 
-// Whether the shell reads the name in every command of the type the way the template means
-// it. When it does not (a double quote or backslash inside a quoted template, quotes or glob
-// characters where the name is not quoted), a command may fail or receive mangled arguments,
-// but it must still be the same command of the same tool.
-bool quotingHolds(const QString &type, const QString &name);
-
 // A call log line: the tool, then each argument in square brackets, escaped as the stand-ins
 // write it.
 QString callLine(const QString &tool, const QStringList &args = {});

@@ -61,6 +61,8 @@ private slots:
 
 private:
     enum class Tools { Present, Missing };
+    // Whether the chosen files still install, or are left out just before the installer runs.
+    enum class Chosen { Install, LeftOut };
 
     static void everyType();
     // A fresh stick holding the sample file of the type, scanned, then installed through the
@@ -68,12 +70,14 @@ private:
     void installSample(
         const QString &type, Tools tools,
         const std::function<void(const QString &dir)> &prepare = {},
-        const std::function<void(const QString &dir, const QString &name)> &afterScan = {});
+        const std::function<void(const QString &dir, const QString &name)> &afterScan = {},
+        Chosen chosen = Chosen::Install);
     // Installs the files of the type from the scanned stick and checks everything an
     // installation must hold. afterScan runs just before Install is pressed; the stick is
     // compared with its state after that.
     void installAndCheck(RcList &list, const QString &type, const QStringList &files,
-                         Tools tools = Tools::Present, const std::function<void()> &afterScan = {});
+                         Tools tools = Tools::Present, const std::function<void()> &afterScan = {},
+                         Chosen chosen = Chosen::Install);
     void checkCommands(const QString &type, const QString &dir, const QStringList &files,
                        Tools tools);
 
@@ -267,16 +271,18 @@ const QStringList hostileNames{
     "\"q\".crt",
     "a\" \"b.crt",
     "a\"b.tar",
+    // A leading '-' reaches a client tool as an option.
+    "-rf.jpg",
+    "-x.crt",
 };
 
-// Names that are offered: single quotes, glob characters, blanks, tabs and parentheses alone
-// cannot start another command; where they break an unquoted path, the command may fail, but
-// it stays the same command.
+// Names that are offered: single quotes, glob characters, blanks, tabs and parentheses cannot
+// start another command, and where a template leaves the path bare it is quoted.
 const QStringList offeredNames{
-    "plain.jpg", "Lake View.jpg", "it's.jpg",      "*.jpg",         "[a].jpg",   "photo (1).jpg",
-    "{a,b}.jpg", "-rf.jpg",       "#hash.jpg",     "tab\there.jpg", "~root.jpg", "?.png",
-    "(x).png",   "quote'.png",    "glob*star.png", "my cert.crt",   "it's.crt",  "(p).ppd",
-    "a b.rdp",   "*.rdp",         "x'y.ovpn",      "a b.txt",       "*.txt",     "[x].tar",
+    "plain.jpg",  "Lake View.jpg", "it's.jpg",      "*.jpg",     "[a].jpg", "photo (1).jpg",
+    "{a,b}.jpg",  "#hash.jpg",     "tab\there.jpg", "~root.jpg", "?.png",   "(x).png",
+    "quote'.png", "glob*star.png", "my cert.crt",   "it's.crt",  "(p).ppd", "a b.rdp",
+    "*.rdp",      "x'y.ovpn",      "a b.txt",       "*.txt",     "[x].tar",
 };
 
 // The types a corpus name is installed under: every type it is offered for, except the two
@@ -360,7 +366,7 @@ void TestFaults::everyType()
 }
 
 void TestFaults::installAndCheck(RcList &list, const QString &type, const QStringList &files,
-                                 Tools tools, const std::function<void()> &afterScan)
+                                 Tools tools, const std::function<void()> &afterScan, Chosen chosen)
 {
     StickSnapshot before = snapshotStick(list.dir);
     simclient::clearLogs();
@@ -379,7 +385,7 @@ void TestFaults::installAndCheck(RcList &list, const QString &type, const QStrin
     QVERIFY(seen.windowHiddenWhileDialogShown);
     QVERIFY(seen.windowVisibleAfter);
 
-    checkCommands(type, list.dir, files, tools);
+    checkCommands(type, list.dir, chosen == Chosen::Install ? files : QStringList(), tools);
     if (QTest::currentTestFailed())
         return;
 
@@ -409,29 +415,12 @@ void TestFaults::checkCommands(const QString &type, const QString &dir, const QS
         (backgroundTools.contains(toolOf(line)) ? background : inOrder) << line;
     QCOMPARE(sorted(background), sorted(expected.background));
 
-    bool exact = true;
-    for (const QString &name : files)
-        exact = exact && quotingHolds(type, name);
-    if (exact) {
-        QCOMPARE(inOrder, expected.calls);
-        return;
-    }
-    // A broken quoting may make a command fail or mangle its arguments, never call another
-    // tool or call one more often.
-    QStringList calledTools, expectedTools;
-    for (const QString &line : inOrder)
-        calledTools << toolOf(line);
-    for (const QString &line : expected.calls)
-        expectedTools << toolOf(line);
-    QVERIFY2(isSubsequence(calledTools, expectedTools),
-             qPrintable(QStringLiteral("calls %1, expected at most %2")
-                            .arg(inOrder.join(QLatin1String(" | ")),
-                                 expected.calls.join(QLatin1String(" | ")))));
+    QCOMPARE(inOrder, expected.calls);
 }
 
 void TestFaults::installSample(
     const QString &type, Tools tools, const std::function<void(const QString &)> &prepare,
-    const std::function<void(const QString &, const QString &)> &afterScan)
+    const std::function<void(const QString &, const QString &)> &afterScan, Chosen chosen)
 {
     const QString name = samples.value(type);
     const QString dir = simclient::makeStick({name}, {sampleContent(name)});
@@ -441,10 +430,13 @@ void TestFaults::installSample(
         return;
     RcList list = scanned(dir);
     QCOMPARE(list.filesOfType(type), QStringList{name});
-    installAndCheck(list, type, {name}, tools, [&] {
-        if (afterScan)
-            afterScan(dir, name);
-    });
+    installAndCheck(
+        list, type, {name}, tools,
+        [&] {
+            if (afterScan)
+                afterScan(dir, name);
+        },
+        chosen);
 }
 
 void TestFaults::withoutClientTools()
@@ -568,9 +560,10 @@ void TestFaults::fileChangedAfterScan_data()
     }
 }
 
-// Between the scan and the installation the file is removed, its link loses its target, a
-// folder takes its place, or it becomes a file whose reading fails (a link to the reading
-// process's own memory, which fails at offset 0 as a faulty stick does).
+// Between the scan and the installation the file is removed, a folder takes its place, it
+// becomes a file whose reading fails at offset 0 as a faulty stick's does (the test's own memory,
+// mounted over it), or the link it was loses its target: such a link is left out of the job
+// and nothing runs.
 void TestFaults::fileChangedAfterScan()
 {
     QFETCH(QString, type);
@@ -585,18 +578,24 @@ void TestFaults::fileChangedAfterScan()
             QVERIFY(QFile::rename(file, dir + QLatin1String("/.target")));
             QVERIFY(QFile::link(QStringLiteral(".target"), file));
         },
-        [change](const QString &dir, const QString &name) {
+        [this, change](const QString &dir, const QString &name) {
             const QString file = dir + QLatin1Char('/') + name;
             if (change == QLatin1String("dangling link")) {
                 QVERIFY(QFile::remove(dir + QLatin1String("/.target")));
                 return;
             }
             QVERIFY(QFile::remove(file));
-            if (change == QLatin1String("folder"))
+            if (change == QLatin1String("folder")) {
                 QVERIFY(QDir().mkdir(file));
-            else if (change == QLatin1String("read error"))
-                QVERIFY(QFile::link(QStringLiteral("/proc/self/mem"), file));
-        });
+            } else if (change == QLatin1String("read error")) {
+                QVERIFY(writeFile(file, {}));
+                QVERIFY(shell(QStringLiteral("mount --bind /proc/%1/mem %2")
+                                  .arg(QCoreApplication::applicationPid())
+                                  .arg(shellQuoted(file))));
+                onCleanup([file] { QVERIFY(shell("umount " + shellQuoted(file))); });
+            }
+        },
+        link ? Chosen::LeftOut : Chosen::Install);
 }
 
 QString TestFaults::tenThousandFiles()
