@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <sys/stat.h>
 
 Q_LOGGING_CATEGORY(lcStick, "usbi.stick")
 
@@ -86,11 +87,28 @@ QChar shellUnsafeCharacter(const QString &text)
     return {};
 }
 
+namespace {
+
+// The path with every link resolved, as bytes: a target's name need not be UTF-8, and
+// QFileInfo::canonicalFilePath() gives a link loop's own path back. Empty when it cannot be
+// resolved, and then error says why.
+QByteArray resolvedPath(const QString &path, int *error = nullptr)
+{
+    char *resolved = ::realpath(QFile::encodeName(path).constData(), nullptr);
+    if (error)
+        *error = resolved ? 0 : errno;
+    const QByteArray result(resolved);
+    std::free(resolved);
+    return result;
+}
+
+} // namespace
+
 StickDirectory::StickDirectory(const QString &mountDir) : m_dir(mountDir)
 {
-    const QString resolved = QDir(mountDir).canonicalPath();
+    const QByteArray resolved = resolvedPath(QDir(mountDir).absolutePath());
     if (!resolved.isEmpty())
-        m_resolved = resolved.endsWith(QLatin1Char('/')) ? resolved : resolved + QLatin1Char('/');
+        m_resolved = resolved.endsWith('/') ? resolved : resolved + '/';
 }
 
 StickEntry StickDirectory::classify(const QString &name) const
@@ -123,18 +141,14 @@ StickEntry StickDirectory::classify(const QFileInfo &entry) const
 StickEntry StickDirectory::followLink(const QFileInfo &entry) const
 {
     using V = StickEntry::Verdict;
-    // Not QFileInfo::canonicalFilePath(): on a link loop it gives the link's own path back,
-    // which would pass for a file on the stick.
-    char *resolved = ::realpath(QFile::encodeName(entry.absoluteFilePath()).constData(), nullptr);
-    if (!resolved) {
-        const bool loop = errno == ELOOP;
-        return judged(loop ? V::LinkLoop : V::DanglingLink, true, entry.symLinkTarget());
-    }
-    const QString target = QFile::decodeName(resolved);
-    std::free(resolved);
-    if (m_resolved.isEmpty() || !(target + QLatin1Char('/')).startsWith(m_resolved))
-        return judged(V::LeavesStick, true, target);
-    if (!QFileInfo(target).isFile())
-        return judged(V::LinkToNonFile, true, target);
+    int error = 0;
+    const QByteArray target = resolvedPath(entry.absoluteFilePath(), &error);
+    if (target.isEmpty())
+        return judged(error == ELOOP ? V::LinkLoop : V::DanglingLink, true, entry.symLinkTarget());
+    if (m_resolved.isEmpty() || !(target + '/').startsWith(m_resolved))
+        return judged(V::LeavesStick, true, QFile::decodeName(target));
+    struct stat status;
+    if (::stat(target.constData(), &status) != 0 || !S_ISREG(status.st_mode))
+        return judged(V::LinkToNonFile, true, QFile::decodeName(target));
     return judged(V::Offered, true);
 }

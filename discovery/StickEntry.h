@@ -1,6 +1,7 @@
 #ifndef STICKENTRY_H
 #define STICKENTRY_H
 
+#include <QByteArray>
 #include <QChar>
 #include <QLoggingCategory>
 #include <QString>
@@ -58,7 +59,7 @@ private:
     StickEntry followLink(const QFileInfo &entry) const;
 
     QString m_dir;
-    QString m_resolved; // with a trailing '/', so that a prefix test means "inside"
+    QByteArray m_resolved; // with a trailing '/', so that a prefix test means "inside"
 };
 
 #endif

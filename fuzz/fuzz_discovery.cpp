@@ -1,8 +1,9 @@
 // libFuzzer target for package discovery. Each input becomes the contents of a fresh temporary
-// directory (names with any bytes but '/' and NUL, regular files, hidden files, subdirectories,
-// links to files, to directories, to links, to a device and to nothing, link loops, FIFOs, hard
+// directory, the stick (names with any bytes but '/' and NUL, regular files, hidden files,
+// subdirectories, links to files, to directories, to links, to a device and to nothing, link
+// loops, links to a file beside the stick by absolute path and through "..", FIFOs, hard
 // links); the fourteen scans of start-up run on it, and what RcList offers is checked against
-// the directory as POSIX readdir/lstat/stat and fnmatch see it. Any violation aborts.
+// the directory as POSIX readdir/lstat/stat/realpath and fnmatch see it. Any violation aborts.
 //
 // Input format: a sequence of records, read until the input ends or kMaxEntries were made:
 //   kind byte, suffix byte, target byte, length byte, then up to length name bytes.
@@ -20,17 +21,20 @@
 //  - Order: each type's names are strictly ascending by UTF-16 code units, as QString compares
 //    with case (so 'B' < 'a', and a character above U+FFFF, stored as a surrogate pair, sorts
 //    before U+E000..U+FFFF). Strictly ascending also means each name occurs at most once.
-//  - Kind: only regular files and links that end at a regular file (stat, not lstat); no
-//    directories, links to directories, dangling links, link loops, FIFOs or links to devices
-//    or FIFOs. Only the directory's own entries, no hidden ones (leading '.').
+//  - Kind: only regular files, and links whose target, fully resolved (realpath), is a regular
+//    file inside the resolved stick; no directories, links to directories, dangling links, link
+//    loops, FIFOs, links to devices or FIFOs, or links (direct or through a chain) to a file
+//    outside the stick. Only the directory's own entries, no hidden ones (leading '.').
 //  - Patterns: the name matches one of the type's patterns as a whole, without regard to case.
 //    The toolkit folds case the Unicode way: besides ASCII pairs, U+017F LATIN SMALL LETTER
 //    LONG S folds to 's' and U+212A KELVIN SIGN to 'k' (CaseFolding.txt, status C). Both are
 //    mapped to their ASCII letter before fnmatch(FNM_CASEFOLD), so "ſcreenConnect.ClientSetup.deb"
 //    counts as the Screen Connect package. Dotted and dotless i fold only in Turkic rules: no.
-//  - Hostile names: no name holding $ ` ; & | < > " \ CR or LF is ever offered; each scan writes
-//    exactly one debug line per file it skips for that reason.
+//  - Refused names: no name holding $ ` ; & | < > " \ CR or LF, or beginning with '-', is ever
+//    offered.
 //  - Completeness: every valid, eligible, matching, harmless name is offered.
+//  - Debug lines: the fourteen scans together write exactly one line per entry that matches a
+//    pattern and is not offered, however many types match it, except hidden files and folders.
 //  - The list as a whole: entries grouped by type in scan order; hasType agrees with
 //    filesOfType; every scan returns true.
 
@@ -117,6 +121,8 @@ enum Kind {
     Fifo,
     HardLink,
     LinkToDevice,
+    LinkOutAbsolute,
+    LinkOutRelative,
     KindCount
 };
 
@@ -211,7 +217,7 @@ std::string foldedToAscii(const std::string &name)
 
 bool isHostile(const std::string &name)
 {
-    return name.find_first_of("$`;&|<>\"\\\r\n") != std::string::npos;
+    return name[0] == '-' || name.find_first_of("$`;&|<>\"\\\r\n") != std::string::npos;
 }
 
 struct DirectoryEntry
@@ -219,12 +225,35 @@ struct DirectoryEntry
     std::string name;     // bytes, as readdir gives them
     std::u16string text;  // its UTF-16 text when the name is valid UTF-8
     bool valid = false;   // well-formed UTF-8
-    bool regular = false; // a regular file, directly or at the end of its links
+    bool folder = false;  // a directory itself, not a link to one
+    bool regular = false; // a regular file, or a link ending at one inside the stick
 };
+
+// The entry is a regular file, or a link whose resolved target is a regular file inside root.
+bool regularOnStick(const std::string &full, const std::string &root)
+{
+    struct stat st;
+    if (lstat(full.c_str(), &st) != 0)
+        return false;
+    if (!S_ISLNK(st.st_mode))
+        return S_ISREG(st.st_mode);
+    char *resolved = realpath(full.c_str(), nullptr);
+    if (!resolved)
+        return false;
+    const std::string target = resolved;
+    std::free(resolved);
+    return target.compare(0, root.size() + 1, root + '/') == 0 && stat(target.c_str(), &st) == 0 &&
+           S_ISREG(st.st_mode);
+}
 
 std::vector<DirectoryEntry> readDirectory(const std::string &path)
 {
     std::vector<DirectoryEntry> result;
+    char *resolvedRoot = realpath(path.c_str(), nullptr);
+    if (!resolvedRoot)
+        fail("cannot resolve the test directory", "-", std::strerror(errno));
+    const std::string root = resolvedRoot;
+    std::free(resolvedRoot);
     DIR *dir = opendir(path.c_str());
     if (!dir)
         fail("cannot list the test directory", "-", std::strerror(errno));
@@ -235,7 +264,8 @@ std::vector<DirectoryEntry> readDirectory(const std::string &path)
             continue;
         const std::string full = path + '/' + entry.name;
         struct stat st;
-        entry.regular = stat(full.c_str(), &st) == 0 && S_ISREG(st.st_mode);
+        entry.folder = lstat(full.c_str(), &st) == 0 && S_ISDIR(st.st_mode);
+        entry.regular = regularOnStick(full, root);
         if (const auto text = utf16Of(entry.name)) {
             entry.valid = true;
             entry.text = *text;
@@ -257,13 +287,13 @@ bool matchesType(const std::string &name, const PackageType &type)
     return false;
 }
 
-// A file the type's scan lists, before hostile names are set aside.
-bool listable(const DirectoryEntry &entry, const PackageType &type)
+// An entry the scans look at and either offer or report.
+bool considered(const DirectoryEntry &entry)
 {
-    return entry.valid && entry.regular && entry.name[0] != '.' && matchesType(entry.name, type);
+    return entry.valid && !entry.folder && entry.name[0] != '.';
 }
 
-void checkInvariants(const std::string &path, const RcList &list, const std::vector<int> &skipLines)
+void checkInvariants(const std::string &path, const RcList &list, int skipLines)
 {
     const std::vector<DirectoryEntry> directory = readDirectory(path);
     std::map<std::u16string, const DirectoryEntry *> byText;
@@ -308,39 +338,44 @@ void checkInvariants(const std::string &path, const RcList &list, const std::vec
                 fail("offered a name that is not in the directory", type.key, hex16(text));
             const DirectoryEntry &entry = *found->second;
             if (!entry.regular)
-                fail("offered something that is not a regular file or a link to one", type.key,
-                     hex(entry.name));
+                fail("offered something that is not a regular file or a link to one on the stick",
+                     type.key, hex(entry.name));
             if (entry.name[0] == '.')
                 fail("offered a hidden file", type.key, hex(entry.name));
             if (isHostile(entry.name))
-                fail("offered a hostile name", type.key, hex(entry.name));
+                fail("offered a refused name", type.key, hex(entry.name));
             if (!matchesType(entry.name, type))
                 fail("offered a name matching none of the type's patterns", type.key,
                      hex(entry.name));
         }
 
-        int hostile = 0;
         for (const DirectoryEntry &entry : directory) {
-            if (!listable(entry, type))
-                continue;
-            if (isHostile(entry.name))
-                ++hostile;
-            else if (offered.count(entry.text) == 0)
+            if (considered(entry) && entry.regular && !isHostile(entry.name) &&
+                matchesType(entry.name, type) && offered.count(entry.text) == 0)
                 fail("an eligible file was not offered", type.key, hex(entry.name));
         }
-        const int lines = skipLines[static_cast<size_t>(&type - types.data())];
-        if (lines != hostile)
-            fail("not one debug line per skipped hostile name", type.key,
-                 std::to_string(lines) + " lines, " + std::to_string(hostile) + " names");
     }
+
+    int skipped = 0;
+    for (const DirectoryEntry &entry : directory) {
+        if (!considered(entry) || (entry.regular && !isHostile(entry.name)))
+            continue;
+        skipped += std::any_of(types.begin(), types.end(), [&entry](const PackageType &type) {
+            return matchesType(entry.name, type);
+        });
+    }
+    if (skipLines != skipped)
+        fail("not one debug line per skipped file", "all",
+             std::to_string(skipLines) + " lines, " + std::to_string(skipped) + " files");
 }
 
 // Reads the input record by record and makes the directory's contents.
 class Builder
 {
 public:
-    Builder(const uint8_t *data, size_t size, std::string dir)
-        : m_data(data), m_size(size), m_dir(std::move(dir))
+    // dir is the stick; outside, a regular file beside it.
+    Builder(const uint8_t *data, size_t size, std::string dir, std::string outside)
+        : m_data(data), m_size(size), m_dir(std::move(dir)), m_outside(std::move(outside))
     {
     }
 
@@ -413,6 +448,11 @@ private:
             return link((m_dir + '/' + earlier(target)).c_str(), path.c_str()) == 0;
         case LinkToDevice:
             return symlink("/dev/null", path.c_str()) == 0;
+        case LinkOutAbsolute:
+            return symlink(m_outside.c_str(), path.c_str()) == 0;
+        case LinkOutRelative:
+            return symlink(("../" + m_outside.substr(m_outside.rfind('/') + 1)).c_str(),
+                           path.c_str()) == 0;
         case KindCount:
             break;
         }
@@ -423,6 +463,7 @@ private:
     size_t m_size;
     size_t m_pos = 0;
     std::string m_dir;
+    std::string m_outside;
     std::vector<std::string> m_made;
 };
 
@@ -450,19 +491,22 @@ extern "C" int LLVMFuzzerInitialize(int *, char ***)
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
-    const std::string dir = makeTemporaryDirectory();
-    Builder(data, size, dir).build();
+    const std::string base = makeTemporaryDirectory();
+    const std::string dir = base + "/stick";
+    const std::string outside = base + "/outside.jpg";
+    FILE *file = std::fopen(outside.c_str(), "wx");
+    if (mkdir(dir.c_str(), 0755) != 0 || !file || std::fclose(file) != 0)
+        fail("cannot create the stick and the file beside it", "-", std::strerror(errno));
+    Builder(data, size, dir, outside).build();
 
     RcList list(QString::fromStdString(dir));
-    std::vector<int> skipLines;
+    debugLines = 0;
     for (const PackageType &type : PackageTypes::all()) {
-        debugLines = 0;
         if (!list.scan(type.typeKey(), type.patternList()))
             fail("scan of an existing directory returned false", type.key, dir);
-        skipLines.push_back(debugLines);
     }
-    checkInvariants(dir, list, skipLines);
+    checkInvariants(dir, list, debugLines);
 
-    nftw(dir.c_str(), removeEntry, 16, FTW_DEPTH | FTW_PHYS);
+    nftw(base.c_str(), removeEntry, 16, FTW_DEPTH | FTW_PHYS);
     return 0;
 }
