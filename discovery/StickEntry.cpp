@@ -30,6 +30,19 @@ QString characterName(const QString &character)
     return QLatin1Char('\'') + character + QLatin1Char('\'');
 }
 
+// The path with every link resolved, as bytes: a target's name need not be UTF-8, and
+// QFileInfo::canonicalFilePath() gives a link loop's own path back. Empty when it cannot be
+// resolved, and then error says why.
+QByteArray resolvedPath(const QString &path, int *error = nullptr)
+{
+    char *resolved = ::realpath(QFile::encodeName(path).constData(), nullptr);
+    if (error)
+        *error = resolved ? 0 : errno;
+    QByteArray result(resolved);
+    std::free(resolved);
+    return result;
+}
+
 } // namespace
 
 bool StickEntry::worthReporting() const
@@ -86,23 +99,6 @@ QChar shellUnsafeCharacter(const QString &text)
     }
     return {};
 }
-
-namespace {
-
-// The path with every link resolved, as bytes: a target's name need not be UTF-8, and
-// QFileInfo::canonicalFilePath() gives a link loop's own path back. Empty when it cannot be
-// resolved, and then error says why.
-QByteArray resolvedPath(const QString &path, int *error = nullptr)
-{
-    char *resolved = ::realpath(QFile::encodeName(path).constData(), nullptr);
-    if (error)
-        *error = resolved ? 0 : errno;
-    const QByteArray result(resolved);
-    std::free(resolved);
-    return result;
-}
-
-} // namespace
 
 StickDirectory::StickDirectory(const QString &mountDir) : m_dir(mountDir)
 {

@@ -90,7 +90,7 @@ QStringList changedPaths()
 QString makeStick(const QStringList &files, const QList<QByteArray> &contents)
 {
     static int counter = 0;
-    const QString dir = QStringLiteral("/tmp/sticks/%1").arg(++counter);
+    QString dir = QStringLiteral("/tmp/sticks/%1").arg(++counter);
     QDir().mkpath(dir);
     for (int i = 0; i < files.size(); ++i) {
         QFile file(dir + QLatin1Char('/') + files.at(i));
