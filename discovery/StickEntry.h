@@ -52,7 +52,8 @@ public:
     explicit StickDirectory(const QString &mountDir);
 
     StickEntry classify(const QString &name) const;
-    // The same for an entry a listing of the mount directory returned, without a second stat.
+    // The same for an entry a listing of the mount directory returned, reusing what the
+    // listing already knows of it.
     StickEntry classify(const QFileInfo &entry) const;
 
 private:
