@@ -24,7 +24,8 @@ bool RcList::scan(const QString &type, const QStringList &patterns)
             entries.append({type, info.fileName()});
         } else if (entry.worthReporting() && !reported.contains(info.fileName())) {
             reported.insert(info.fileName());
-            qCDebug(lcStick) << "not offered:" << info.fileName() << qUtf8Printable(entry.reason());
+            qCDebug(lcStick) << info.fileName()
+                             << "is not offered:" << qUtf8Printable(entry.reason());
         }
     }
     return true;

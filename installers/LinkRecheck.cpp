@@ -16,7 +16,7 @@ bool keepOnlyFilesOnTheStick(InstallJob &job)
     for (const QString &file : qAsConst(job.files)) {
         const StickEntry entry = stick.classify(file);
         if (entry.link && !entry.offered()) {
-            qCDebug(lcStick) << "left out of the installation:" << file
+            qCDebug(lcStick) << file << "is left out of the installation:"
                              << qUtf8Printable(entry.reason());
             continue;
         }
