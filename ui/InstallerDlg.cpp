@@ -10,6 +10,7 @@ InstallerDlg::InstallerDlg(InstallJob *job) : QDialog(nullptr), installer(nullpt
 {
     windowsetup::loadIcons();
     setupUi(this);
+    lIInstaller->setPixmap(windowsetup::titleImage());
     setWindowFlags(Qt::Dialog);
     setFixedSize(width(), height());
     setStyleSheet(windowsetup::styleSheet());

@@ -16,6 +16,7 @@ MgrDlg::MgrDlg(RcList *list) : QMainWindow(nullptr)
 {
     windowsetup::loadIcons();
     setupUi(this);
+    lIcon->setPixmap(windowsetup::titleImage());
     setWindowFlags(Qt::Dialog);
     setFixedSize(width(), height());
     rcList = list;
@@ -45,7 +46,8 @@ void MgrDlg::addType(const QString &key, const QString &name)
 {
     if (!rcList->hasType(key))
         return;
-    auto *item = new QListWidgetItem(QIcon(PackageTypes::find(key)->iconPath()), name);
+    const QIcon icon(windowsetup::pngPixmap(PackageTypes::find(key)->iconPath()));
+    auto *item = new QListWidgetItem(icon, name);
     item->setData(Qt::UserRole, key);
     // The list sorts itself by display name.
     lwType->insertItem(lwType->count(), item);

@@ -3,6 +3,7 @@
 #include <QFile>
 #include <QGuiApplication>
 #include <QIcon>
+#include <QImageReader>
 #include <QRect>
 #include <QScreen>
 #include <QWidget>
@@ -53,11 +54,28 @@ void centre(QWidget *window)
     window->move(centreOf(area) - centreOf(window->rect()));
 }
 
+QPixmap pngPixmap(const QString &path)
+{
+    // Opened here: the reader, told the format, would otherwise warn about a missing file.
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return QPixmap();
+    QImageReader reader(&file, "png");
+    reader.setAutoDetectImageFormat(false);
+    return QPixmap::fromImage(reader.read());
+}
+
 void setIconAndTitle(QWidget *window)
 {
-    // Two slashes, kept as written: the platform may supply that image.
-    window->setWindowIcon(QIcon(QStringLiteral("://dax-icons/usb32.png")));
+    // Two slashes, kept as written: the platform may supply that image. The bundle does not
+    // hold it, so the window normally has no icon of its own.
+    window->setWindowIcon(QIcon(pngPixmap(QStringLiteral("://dax-icons/usb32.png"))));
     window->setWindowTitle(QStringLiteral("USB Installer"));
+}
+
+QPixmap titleImage()
+{
+    return pngPixmap(QStringLiteral(":/dax-icons/usbrc/memorystick.png"));
 }
 
 } // namespace windowsetup

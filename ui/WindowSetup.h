@@ -1,6 +1,7 @@
 #ifndef WINDOWSETUP_H
 #define WINDOWSETUP_H
 
+#include <QPixmap>
 #include <QString>
 
 class QWidget;
@@ -18,8 +19,18 @@ QString styleSheet();
 // Moves window so that its centre lies on the centre of the first screen's available area.
 void centre(QWidget *window);
 
+// The PNG image at path (the compiled-in bundle, or one the platform supplies), read with the
+// toolkit's built-in PNG reader; a null pixmap when there is no such image. Naming the format
+// keeps the toolkit from loading every image-format plugin to ask each whether it reads the
+// file, which a plain QPixmap or QIcon of a path does.
+QPixmap pngPixmap(const QString &path);
+
 // Window icon and title of both windows.
 void setIconAndTitle(QWidget *window);
+
+// The title-row image of both windows. The windows set it rather than their forms, whose
+// generated code would read it as a plain QPixmap of a path.
+QPixmap titleImage();
 
 } // namespace windowsetup
 
