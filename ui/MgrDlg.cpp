@@ -3,6 +3,7 @@
 #include "InstallJob.h"
 #include "InstallerDlg.h"
 #include "PackageTypes.h"
+#include "PngIconEngine.h"
 #include "RcList.h"
 #include "WindowSetup.h"
 
@@ -46,7 +47,7 @@ void MgrDlg::addType(const QString &key, const QString &name)
 {
     if (!rcList->hasType(key))
         return;
-    const QIcon icon(windowsetup::pngPixmap(PackageTypes::find(key)->iconPath()));
+    const QIcon icon(new PngIconEngine(PackageTypes::find(key)->iconPath()));
     auto *item = new QListWidgetItem(icon, name);
     item->setData(Qt::UserRole, key);
     // The list sorts itself by display name.
