@@ -4,6 +4,7 @@
 #include "MgrDlg.h"
 #include "RcList.h"
 #include "StickEntry.h"
+#include "StrayPromptCleanup.h"
 
 #include <QApplication>
 #include <QDebug>
@@ -99,11 +100,10 @@ int runUsbInstaller(int &argc, char **argv)
     if (refusesMountDirectory(mountDir))
         return 1;
 
-    // "wpassword", not the gate's "wpasswd": the two names differ on purpose.
-    QProcess cleanup;
-    const QStringList cleanupArgs{QStringLiteral("wpassword")};
-    cleanup.start(QStringLiteral("killall"), cleanupArgs, QIODevice::ReadWrite);
-    cleanup.waitForFinished(waitMs);
+    // killall "wpassword", not the gate's "wpasswd": the two names differ on purpose. It runs
+    // while the stick is scanned and the window is built, which the client does not see, and
+    // has ended before the client sees anything else.
+    StrayPromptCleanup cleanup;
 
     // Read by the main window for the whole run and never deleted; held in a static so that it
     // stays reachable until the process ends.
@@ -112,6 +112,7 @@ int runUsbInstaller(int &argc, char **argv)
     scanEveryType(*found);
 
     if (found->entries.isEmpty()) {
+        cleanup.wait();
         qDebug() << "no resources found in " << found->dir;
         return 0;
     }
@@ -119,6 +120,7 @@ int runUsbInstaller(int &argc, char **argv)
     // Lives until the process ends; never deleted.
     static MgrDlg *window = nullptr;
     window = new MgrDlg(found);
+    cleanup.wait();
     window->show();
     return app.exec();
 }
