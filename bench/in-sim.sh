@@ -1,22 +1,30 @@
 #!/usr/bin/env bash
-# Runs inside the simulated client (bench/run.sh starts it with sim/run): start-up time and
-# peak memory of the program against the minimal window, under an Xvfb of its own.
-# Usage: in-sim.sh BUILD_DIR REPETITIONS SAMPLE_STICK
-# Per repetition, the programs one right after the other, prints (start: three times as many)
-#   start  <program ms> <minimal ms> <minimal with text ms> <program with OpenGL ms>
-#   memory <program KiB> <minimal KiB> <minimal with text KiB> <program on SAMPLE_STICK KiB>
-#          <program with OpenGL KiB>
-# (start: the program on SAMPLE_STICK. "With OpenGL": the X11 OpenGL integration that the
-# program turns off and the minimal window loads, for a like-for-like comparison.)
-# (memory: the program on a 1,000-file stick, peak RSS once the window has been shown a while).
+# Runs inside the simulated client (bench/run.sh starts it with sim/run): start-up time, peak
+# memory and start-up instructions of the program against a bare window, under an Xvfb of its
+# own. Like for like: every program runs without the X11 OpenGL integration, which the program
+# turns off for itself, unless a column says "GL" (QT_XCB_GL_INTEGRATION=xcb_glx, the toolkit's
+# default here, which loads Mesa's software renderer).
+# Usage: in-sim.sh BUILD_DIR REPETITIONS STARTUP_ROUNDS SAMPLE_STICK
+# Prints one line per round; in each round the programs run one right after the other, in an
+# order that turns from round to round so that none always follows another:
+#   start  <program ms> <bare ms> <text ms> <program GL ms> <bare GL ms>     (STARTUP_ROUNDS)
+#   memory <program KiB> <bare KiB> <text KiB> <program on SAMPLE_STICK KiB> <program GL KiB>
+#          <bare GL KiB>                                                     (REPETITIONS)
+#   instructions <program> <bare> <text>                                     (once, if valgrind)
+# "program": on SAMPLE_STICK for start-up and instructions, on a 1,000-file stick for memory;
+# "bare": bench_minimal_window, a window of the main window's title and size; "text": the same
+# with one line of text. Memory is the peak RSS once the window has been shown for 0.5 s;
+# instructions are those of all threads (valgrind's callgrind) until the window is mapped.
 set -euo pipefail
-build=$1 repetitions=$2 sample_stick=$3
+build=$1 repetitions=$2 startup_rounds=$3 sample_stick=$4
 
 program=$build/usb-installer
 minimal=$build/bench/bench_minimal_window
-export LANG=C.UTF-8 LC_ALL=C.UTF-8
+export LANG=C.UTF-8 LC_ALL=C.UTF-8 QT_XCB_GL_INTEGRATION=none
 
-Xvfb :42 -screen 0 1280x1024x24 -nolisten tcp >/dev/null 2>&1 &
+# -noreset: the server does not reset each time its last client leaves, which would make the
+# next program wait for it (or fail to connect).
+Xvfb :42 -screen 0 1280x1024x24 -nolisten tcp -noreset >/dev/null 2>&1 &
 export DISPLAY=:42
 for _ in $(seq 100); do
     xdpyinfo >/dev/null 2>&1 && break
@@ -33,23 +41,46 @@ mapped() { "$build/bench/bench_wait_mapped" "USB Installer" "$@"; }
 ms() { mapped 0 -- "$@" | cut -d' ' -f1; }
 kib() { mapped 500 -- "$@" | cut -d' ' -f2; }
 
-# Each program once before measuring, so that file and font caches are warm for all.
-mapped 0 -- "$program" "$sample_stick" >/dev/null
-mapped 0 -- "$minimal" text >/dev/null
+# What is measured; each takes the measuring function (ms, kib, instructions) as argument.
+program_sample() { "$1" "$program" "$sample_stick"; }
+program_big() { "$1" "$program" "$big_stick"; }
+bare() { "$1" "$minimal"; }
+text() { "$1" "$minimal" text; }
+gl_program_sample() { "$1" env QT_XCB_GL_INTEGRATION=xcb_glx "$program" "$sample_stick"; }
+gl_program_big() { "$1" env QT_XCB_GL_INTEGRATION=xcb_glx "$program" "$big_stick"; }
+gl_bare() { "$1" env QT_XCB_GL_INTEGRATION=xcb_glx "$minimal"; }
 
-# Start-up is short and the most sensitive to other load, so it is measured three times as
-# often, and the order of the three programs turns each time so none always follows another.
-for i in $(seq $((3 * repetitions))); do
-    case $((i % 3)) in
-        0) p=$(ms "$program" "$sample_stick") m=$(ms "$minimal") t=$(ms "$minimal" text) ;;
-        1) m=$(ms "$minimal") t=$(ms "$minimal" text) p=$(ms "$program" "$sample_stick") ;;
-        2) t=$(ms "$minimal" text) p=$(ms "$program" "$sample_stick") m=$(ms "$minimal") ;;
-    esac
-    g=$(ms env QT_XCB_GL_INTEGRATION=xcb_glx "$program" "$sample_stick")
-    echo "start $p $m $t $g"
+# measure ROUND UNIT NAME...: runs the named measurements in the order that ROUND gives and
+# prints their results in the order named.
+measure() {
+    local round=$1 unit=$2
+    shift 2
+    local names=("$@") results=() i k
+    for ((i = 0; i < ${#names[@]}; i++)); do
+        k=$(((i + round) % ${#names[@]}))
+        results[k]=$("${names[k]}" "$unit")
+    done
+    echo "${results[*]}"
+}
+
+# Each program once before measuring, so that file and font caches are warm for all.
+program_sample ms >/dev/null
+text ms >/dev/null
+gl_bare ms >/dev/null
+
+for i in $(seq "$startup_rounds"); do
+    echo "start $(measure "$i" ms program_sample bare text gl_program_sample gl_bare)"
 done
-for _ in $(seq "$repetitions"); do
-    echo "memory $(kib "$program" "$big_stick") $(kib "$minimal") $(kib "$minimal" text)" \
-        "$(kib "$program" "$sample_stick")" \
-        "$(kib env QT_XCB_GL_INTEGRATION=xcb_glx "$program" "$big_stick")"
+for i in $(seq "$repetitions"); do
+    echo "memory $(measure "$i" kib program_big bare text program_sample gl_program_big gl_bare)"
 done
+
+# instructions COMMAND...: instructions until the window is mapped
+instructions() {
+    mapped 0 -- valgrind --tool=callgrind --callgrind-out-file=/tmp/callgrind.out "$@" \
+        >/dev/null 2>&1
+    awk '/^summary:/ { print $2 }' /tmp/callgrind.out
+}
+if command -v valgrind >/dev/null; then
+    echo "instructions $(program_sample instructions) $(bare instructions) $(text instructions)"
+fi
