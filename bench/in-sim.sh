@@ -5,12 +5,13 @@
 # turns off for itself, unless a column says "GL" (QT_XCB_GL_INTEGRATION=xcb_glx, the toolkit's
 # default here, which loads Mesa's software renderer).
 # Usage: in-sim.sh BUILD_DIR REPETITIONS STARTUP_ROUNDS SAMPLE_STICK
-# Prints one line per round; in each round the programs run one right after the other, in an
-# order that turns from round to round so that none always follows another:
-#   start  <program ms> <bare ms> <text ms> <program GL ms> <bare GL ms>     (STARTUP_ROUNDS)
-#   memory <program KiB> <bare KiB> <text KiB> <program on SAMPLE_STICK KiB> <program GL KiB>
-#          <bare GL KiB>                                                     (REPETITIONS)
-#   instructions <program> <bare> <text>                                     (once, if valgrind)
+# Prints one line per round; in each round the programs run one right after the other, in a
+# random order:
+#   start    <program ms> <bare ms> <text ms>                          (STARTUP_ROUNDS)
+#   memory   <program KiB> <bare KiB> <text KiB> <program on SAMPLE_STICK KiB> (REPETITIONS)
+#   glstart  <program GL ms> <bare GL ms> <program ms>                 (STARTUP_ROUNDS)
+#   glmemory <program GL KiB> <bare GL KiB> <program KiB>              (REPETITIONS)
+#   instructions <program> <bare> <text>                               (once, with valgrind)
 # "program": on SAMPLE_STICK for start-up and instructions, on a 1,000-file stick for memory;
 # "bare": bench_minimal_window, a window of the main window's title and size; "text": the same
 # with one line of text. Memory is the peak RSS once the window has been shown for 0.5 s;
@@ -50,14 +51,13 @@ gl_program_sample() { "$1" env QT_XCB_GL_INTEGRATION=xcb_glx "$program" "$sample
 gl_program_big() { "$1" env QT_XCB_GL_INTEGRATION=xcb_glx "$program" "$big_stick"; }
 gl_bare() { "$1" env QT_XCB_GL_INTEGRATION=xcb_glx "$minimal"; }
 
-# measure ROUND UNIT NAME...: runs the named measurements in the order that ROUND gives and
-# prints their results in the order named.
+# measure UNIT NAME...: runs the named measurements in a random order (so that none always
+# follows another) and prints their results in the order named.
 measure() {
-    local round=$1 unit=$2
-    shift 2
-    local names=("$@") results=() i k
-    for ((i = 0; i < ${#names[@]}; i++)); do
-        k=$(((i + round) % ${#names[@]}))
+    local unit=$1
+    shift
+    local names=("$@") results=() k
+    for k in $(shuf -i 0-$(($# - 1))); do
         results[k]=$("${names[k]}" "$unit")
     done
     echo "${results[*]}"
@@ -68,11 +68,19 @@ program_sample ms >/dev/null
 text ms >/dev/null
 gl_bare ms >/dev/null
 
-for i in $(seq "$startup_rounds"); do
-    echo "start $(measure "$i" ms program_sample bare text gl_program_sample gl_bare)"
+# The runs with GL on come after the others: ending a process that loaded the software
+# renderer leaves the machine busy for a moment, which would slow whatever runs next.
+for _ in $(seq "$startup_rounds"); do
+    echo "start $(measure ms program_sample bare text)"
 done
-for i in $(seq "$repetitions"); do
-    echo "memory $(measure "$i" kib program_big bare text program_sample gl_program_big gl_bare)"
+for _ in $(seq "$repetitions"); do
+    echo "memory $(measure kib program_big bare text program_sample)"
+done
+for _ in $(seq "$startup_rounds"); do
+    echo "glstart $(measure ms gl_program_sample gl_bare program_sample)"
+done
+for _ in $(seq "$repetitions"); do
+    echo "glmemory $(measure kib gl_program_big gl_bare program_big)"
 done
 
 # instructions COMMAND...: instructions until the window is mapped

@@ -91,14 +91,14 @@ row "... reference: window with one line of text" start 4 3 ms "bare window" ""
 row "... reference: instructions until mapped" instructions 2 3 Ir "bare window" ""
 row "... reference: window with one line of text, instructions" instructions 4 3 Ir \
     "bare window" ""
-row "... reference: both with GL on" start 5 6 ms "bare window, GL on" ""
-row "... reference: the program against the bare window with GL on" start 2 6 ms \
+row "... reference: both with GL on" glstart 2 3 ms "bare window, GL on" ""
+row "... reference: the program against the bare window with GL on" glstart 4 3 ms \
     "bare window, GL on" ""
 row "Peak memory showing a 1,000-file stick" memory 2 3 KiB "bare window" 1.15
 row "... reference: the program on the sample stick" memory 5 3 KiB "bare window" ""
 row "... reference: window with one line of text" memory 4 3 KiB "bare window" ""
-row "... reference: both with GL on" memory 6 7 KiB "bare window, GL on" ""
-row "... reference: the program against the bare window with GL on" memory 2 7 KiB \
+row "... reference: both with GL on" glmemory 2 3 KiB "bare window, GL on" ""
+row "... reference: the program against the bare window with GL on" glmemory 4 3 KiB \
     "bare window, GL on" ""
 row "Scan, 14 types, 10,000-file stick" scan10000 2 3 ms "14 readdir+fnmatch passes" 3.00
 row "Scan, 14 types, 100-file stick" scan100 2 3 ms "14 readdir+fnmatch passes" ""
