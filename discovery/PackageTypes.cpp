@@ -1,7 +1,5 @@
 #include "PackageTypes.h"
 
-#include <algorithm>
-
 namespace {
 
 using P = SelectionPage;
@@ -54,6 +52,11 @@ QString PackageType::iconPath() const
     return QStringLiteral(":/dax-icons/usbrc/%1.png").arg(typeKey());
 }
 
+QString PackageType::progressLabel() const
+{
+    return qstrcmp(progressKey, key) == 0 ? QString::fromLatin1(progressText) : QString();
+}
+
 namespace PackageTypes {
 
 const std::array<PackageType, 14> &all()
@@ -76,14 +79,6 @@ std::array<const PackageType *, 14> inListOrder()
     for (const PackageType &type : kTypes)
         ordered[static_cast<size_t>(type.listOrder - 1)] = &type;
     return ordered;
-}
-
-QString progressText(const QString &key)
-{
-    const auto it = std::find_if(kTypes.begin(), kTypes.end(), [&key](const PackageType &type) {
-        return key == QLatin1String(type.progressKey);
-    });
-    return it == kTypes.end() ? QString() : QString::fromLatin1(it->progressText);
 }
 
 } // namespace PackageTypes

@@ -33,7 +33,7 @@ struct PackageType
     SelectionPage page;
     int listOrder; // position in which the main window inserts the type into its list
     // The progress dialog binds each text to a key. For the firmware update it is
-    // "firmware", not the type key "update", so that text is never shown: intended.
+    // "firmware", not the type key "update", so that text is never shown.
     const char *progressKey;
     const char *progressText;
     InstallerRoutine routine;
@@ -43,6 +43,9 @@ struct PackageType
     QString name() const { return QString::fromLatin1(displayName); }
     QStringList patternList() const;
     QString iconPath() const;
+    // The text the progress dialog shows for this type: empty where the text is bound to
+    // another key than the type's own.
+    QString progressLabel() const;
 };
 
 namespace PackageTypes {
@@ -55,9 +58,6 @@ const PackageType *find(const QString &key);
 
 // The types in the order the main window inserts them into its type list.
 std::array<const PackageType *, 14> inListOrder();
-
-// The progress text bound to key, or an empty string when no row binds one.
-QString progressText(const QString &key);
 
 } // namespace PackageTypes
 

@@ -4,15 +4,18 @@
 #include <QString>
 #include <QStringList>
 
-// One installation: a package type, the directory on the stick and the chosen bare file names.
+struct PackageType;
+
+// One installation: the package type's row of the table, the directory on the stick and the
+// chosen bare file names. The row is resolved once, where the job is built.
 struct InstallJob
 {
-    InstallJob(const QString &type, const QString &dir, const QStringList &files)
-        : type(type), dir(dir), files(files)
+    InstallJob(const PackageType &type, const QString &dir, const QStringList &files)
+        : type(&type), dir(dir), files(files)
     {
     }
 
-    QString type;
+    const PackageType *type; // never null
     QString dir;
     QStringList files;
 };

@@ -20,7 +20,7 @@ InstallerDlg::InstallerDlg(InstallJob *job) : QDialog(nullptr), installer(nullpt
     this->job = job;
     finished = false;
     // No text of its own (the firmware update, bound to "firmware"): "Installing..." stays.
-    const QString text = PackageTypes::progressText(job->type);
+    const QString text = job->type->progressLabel();
     if (!text.isEmpty())
         lInstall->setText(text);
 

@@ -38,18 +38,19 @@ void MgrDlg::fillTypeList()
 {
     lwType->clear();
     for (const PackageType *type : PackageTypes::inListOrder())
-        addType(type->typeKey(), type->name());
+        addType(*type);
     // Emits the current-item change: the window opens with a page already filled.
     lwType->setCurrentRow(0);
 }
 
-void MgrDlg::addType(const QString &key, const QString &name)
+void MgrDlg::addType(const PackageType &type)
 {
-    if (!rcList->hasType(key))
+    if (!rcList->hasType(type.typeKey()))
         return;
-    const QIcon icon(new PngIconEngine(PackageTypes::find(key)->iconPath()));
-    auto *item = new QListWidgetItem(icon, name);
-    item->setData(Qt::UserRole, key);
+    const QIcon icon(new PngIconEngine(type.iconPath()));
+    auto *item = new QListWidgetItem(icon, type.name());
+    // The row's position in the table, so that the type is never looked up by its key again.
+    item->setData(Qt::UserRole, static_cast<int>(&type - PackageTypes::all().data()));
     // The list sorts itself by display name.
     lwType->insertItem(lwType->count(), item);
 }
@@ -58,12 +59,9 @@ void MgrDlg::changeType(QListWidgetItem *current, QListWidgetItem * /*previous*/
 {
     if (!current)
         return;
-    currentType = current->data(Qt::UserRole).toString();
-    currentFiles = rcList->filesOfType(currentType);
-    const PackageType *type = PackageTypes::find(currentType);
-    if (!type)
-        return;
-    if (type->page == SelectionPage::Multi) {
+    currentType = &PackageTypes::all().at(current->data(Qt::UserRole).toUInt());
+    currentFiles = rcList->filesOfType(currentType->typeKey());
+    if (currentType->page == SelectionPage::Multi) {
         sw->setCurrentWidget(pMulti);
         fillMulti();
     } else {
@@ -122,9 +120,9 @@ void MgrDlg::installMulti()
 
 void MgrDlg::startInstall()
 {
-    if (selectedFiles.isEmpty())
+    if (selectedFiles.isEmpty() || !currentType)
         return;
-    InstallJob job(currentType, rcList->dir, selectedFiles);
+    InstallJob job(*currentType, rcList->dir, selectedFiles);
     InstallerDlg dialog(&job);
     hide();
     dialog.exec();

@@ -9,6 +9,7 @@
 
 class QListWidgetItem;
 class RcList;
+struct PackageType;
 
 // The main window: the package types found on the stick, the files of the current type, and
 // one installation at a time through the progress dialog.
@@ -29,13 +30,13 @@ public slots:
 private:
     void placeWindow();
     void fillTypeList();
-    void addType(const QString &key, const QString &name);
+    void addType(const PackageType &type);
     void fillMulti();
     void fillSingle();
     void startInstall();
 
     RcList *rcList;
-    QString currentType;
+    const PackageType *currentType = nullptr;
     QStringList currentFiles;
     QStringList selectedFiles;
 };

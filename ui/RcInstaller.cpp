@@ -7,6 +7,6 @@ RcInstaller::RcInstaller(QObject *parent) : QThread(parent) {}
 void RcInstaller::run()
 {
     // Failures look like success: the installer's result is not reported.
-    dispatch(job);
+    installers::dispatch(job);
     emit completed();
 }

@@ -86,7 +86,7 @@ InstallDriver::Outcome InstallDriver::install(RcList &list, const QString &type,
     [&] {
         QVERIFY(types && single && multi && singleInstall && multiInstall && row);
         QListWidgetItem *typeItem = itemWith(types, [&](QListWidgetItem *item) {
-            return item->data(Qt::UserRole).toString() == type;
+            return &PackageTypes::all().at(item->data(Qt::UserRole).toUInt()) == row;
         });
         QVERIFY2(typeItem, qPrintable(QStringLiteral("type %1 is not listed").arg(type)));
         clickItem(types, typeItem);
@@ -147,7 +147,8 @@ QMap<QString, QStringList> InstallDriver::offered(RcList &list)
                     names << item->text();
             }
         }
-        result.insert(types->item(row)->data(Qt::UserRole).toString(), names);
+        const uint typeRow = types->item(row)->data(Qt::UserRole).toUInt();
+        result.insert(PackageTypes::all().at(typeRow).typeKey(), names);
     }
     return result;
 }

@@ -379,7 +379,7 @@ void TestFaults::installAndCheck(RcList &list, const QString &type, const QStrin
         return;
 
     QCOMPARE(seen.dialogsShown, 1);
-    const QString progress = PackageTypes::progressText(type);
+    const QString progress = PackageTypes::find(type)->progressLabel();
     QCOMPARE(seen.firstText, progress.isEmpty() ? QStringLiteral("Installing...") : progress);
     QCOMPARE(seen.lastText, QStringLiteral("Package(s) Installed"));
     QVERIFY(seen.windowHiddenWhileDialogShown);

@@ -1,6 +1,7 @@
 #include "InstallJob.h"
 #include "Installers.h"
 #include "SimClient.h"
+#include "TypeRow.h"
 
 #include <QDir>
 #include <QFile>
@@ -170,7 +171,7 @@ void TestInstallers1::certificates()
 
     const QString stick = simclient::makeStick(files);
     const Snapshot stickBefore = snapshot(stick);
-    InstallJob job(QStringLiteral("cert"), stick, files);
+    InstallJob job(typeRow("cert"), stick, files);
 
     debugLines.clear();
     previousHandler = qInstallMessageHandler(captureDebug);
@@ -211,7 +212,7 @@ void TestInstallers1::printerDrivers()
     QFETCH(QStringList, files);
 
     const QString stick = simclient::makeStick(files);
-    InstallJob job(QStringLiteral("ppd"), stick, files);
+    InstallJob job(typeRow("ppd"), stick, files);
     QCOMPARE(installPrinterDrivers(&job), 1);
 
     QCOMPARE(
@@ -231,7 +232,7 @@ void TestInstallers1::printerDriverAlreadyInstalledIsKept()
 {
     QVERIFY(writeFile("/tmp/config/files/ppd/office.ppd", "installed earlier"));
     const QString stick = simclient::makeStick({"office.ppd"}, {"newer driver"});
-    InstallJob job(QStringLiteral("ppd"), stick, {"office.ppd"});
+    InstallJob job(typeRow("ppd"), stick, {"office.ppd"});
 
     QCOMPARE(installPrinterDrivers(&job), 1);
 
@@ -248,7 +249,7 @@ void TestInstallers1::printerDriversWithoutDriverFolder()
     const auto restore = qScopeGuard([&] { QDir().mkpath(folder); });
     QVERIFY(QDir(QStringLiteral("/config")).removeRecursively());
     const QStringList files{"laser.ppd", "inkjet.ppd"};
-    InstallJob job(QStringLiteral("ppd"), simclient::makeStick(files), files);
+    InstallJob job(typeRow("ppd"), simclient::makeStick(files), files);
 
     QCOMPARE(installPrinterDrivers(&job), 1);
 
@@ -286,7 +287,7 @@ void TestInstallers1::jobsRefusedOrEmpty()
 
     QVERIFY(writeFile("/boot/screenconnect.conf", "kept"));
     const Snapshot treeBefore = snapshot("/tmp/config/files");
-    InstallJob job(QStringLiteral("any"), simclient::makeStick(files), files);
+    InstallJob job(typeRow("ppd"), simclient::makeStick(files), files);
 
     QCOMPARE(routine(&job), result);
 
@@ -299,7 +300,7 @@ void TestInstallers1::jobsRefusedOrEmpty()
 void TestInstallers1::firmwareUpdatePathWithBlanks()
 {
     const QString stick = stickAt("/tmp/sticks/usb stick", {"fw update.tzupg"});
-    InstallJob job(QStringLiteral("update"), stick, {"fw update.tzupg"});
+    InstallJob job(typeRow("update"), stick, {"fw update.tzupg"});
 
     QCOMPARE(installUpdate(&job), 1);
 
@@ -337,7 +338,7 @@ void TestInstallers1::screenConnect()
     QVERIFY(writeFile("/boot/ScreenConnect.ClientSetup.deb", "old package"));
     QVERIFY(writeFile("/boot/vmlinuz", "kernel"));
     const QString stick = simclient::makeStick(files);
-    InstallJob job(QStringLiteral("ScreenConnect"), stick, files);
+    InstallJob job(typeRow("ScreenConnect"), stick, files);
 
     QCOMPARE(installScreenConnect(&job), 1);
 
@@ -355,7 +356,7 @@ void TestInstallers1::screenConnect()
 void TestInstallers1::openVpn()
 {
     const QString stick = simclient::makeStick({"office.ovpn"}, {"remote vpn.example 1194\n"});
-    InstallJob job(QStringLiteral("openvpn"), stick, {"office.ovpn"});
+    InstallJob job(typeRow("openvpn"), stick, {"office.ovpn"});
 
     QCOMPARE(installOpenVpn(&job), 1);
 
@@ -380,7 +381,7 @@ void TestInstallers1::openVpn()
 void TestInstallers1::iconWithBlankInItsName()
 {
     const QString stick = simclient::makeStick({"company logo.png"});
-    InstallJob job(QStringLiteral("icon"), stick, {"company logo.png"});
+    InstallJob job(typeRow("icon"), stick, {"company logo.png"});
 
     QCOMPARE(installIcon(&job), 1);
 
@@ -415,7 +416,7 @@ void TestInstallers1::disclaimer()
     QFETCH(QList<QByteArray>, contents);
 
     const QString stick = simclient::makeStick(files, contents);
-    InstallJob job(QStringLiteral("disclaimer"), stick, files);
+    InstallJob job(typeRow("disclaimer"), stick, files);
 
     QCOMPARE(installDisclaimer(&job), 1);
 

@@ -1,6 +1,7 @@
 #include "InstallJob.h"
 #include "Installers.h"
 #include "SimClient.h"
+#include "TypeRow.h"
 
 #include <QCryptographicHash>
 #include <QDir>
@@ -136,7 +137,7 @@ void TestInstallers2::screensaverCopiesEveryPictureThenFreezes()
     const QString dir = simclient::makeStick(names);
     QVERIFY(!QFile::exists(QStringLiteral("/tmp/config/files/screensaver")));
 
-    InstallJob job(QStringLiteral("screensaver"), dir, names);
+    InstallJob job(typeRow("screensaver"), dir, names);
     QCOMPARE(installers::installScreensaver(&job), 1);
 
     for (const QString &name : names)
@@ -146,7 +147,7 @@ void TestInstallers2::screensaverCopiesEveryPictureThenFreezes()
     QCOMPARE(simclient::calls(QStringLiteral("freeze")).size(), 1);
 
     simclient::clearLogs();
-    InstallJob empty(QStringLiteral("screensaver"), dir, {});
+    InstallJob empty(typeRow("screensaver"), dir, {});
     QCOMPARE(installers::installScreensaver(&empty), 1);
     QCOMPARE(simclient::shellLog(), QStringList{"freeze"});
 }
@@ -155,7 +156,7 @@ void TestInstallers2::screensaverKeepsAnExistingPicture()
 {
     writeFile(QStringLiteral("/tmp/config/files/screensaver/a.jpg"), "old picture");
     const QString dir = simclient::makeStick({"a.jpg", "b.jpg"});
-    InstallJob job(QStringLiteral("screensaver"), dir, {"a.jpg", "b.jpg"});
+    InstallJob job(typeRow("screensaver"), dir, {"a.jpg", "b.jpg"});
     QCOMPARE(installers::installScreensaver(&job), 1);
     QCOMPARE(simclient::readFile(QStringLiteral("/tmp/config/files/screensaver/a.jpg")),
              QByteArray("old picture"));
@@ -179,7 +180,7 @@ void TestInstallers2::rdpImportReloadsByOsVariant()
     if (withMarker)
         writeFile(marker, {});
     const QString dir = simclient::makeStick({"office.rdp"});
-    InstallJob job(QStringLiteral("rdpfile"), dir, {"office.rdp"});
+    InstallJob job(typeRow("rdpfile"), dir, {"office.rdp"});
     QCOMPARE(installers::installRdpFile(&job), 1);
 
     const QStringList expected =
@@ -196,13 +197,13 @@ void TestInstallers2::rdpImportTakesTheFirstFile()
 {
     const QStringList files{"b.rdp", "a.rdp"};
     const QString dir = simclient::makeStick(files);
-    InstallJob job(QStringLiteral("rdpfile"), dir, files);
+    InstallJob job(typeRow("rdpfile"), dir, files);
     QCOMPARE(installers::installRdpFile(&job), 1);
     QCOMPARE(simclient::calls(QStringLiteral("rdpimport")),
              QStringList{QStringLiteral("rdpimport [%1/b.rdp]").arg(dir)});
 
     simclient::clearLogs();
-    InstallJob empty(QStringLiteral("rdpfile"), dir, {});
+    InstallJob empty(typeRow("rdpfile"), dir, {});
     QCOMPARE(installers::installRdpFile(&empty), 0);
     QVERIFY(simclient::shellLog().isEmpty());
 }
@@ -212,7 +213,7 @@ void TestInstallers2::desktopWithMarkerStartsNothing()
     writeFile(marker, {});
     writeFile(modality, "ZUL-O\n");
     const QString dir = simclient::makeStick({"desk.jpg"});
-    InstallJob job(QStringLiteral("desktop"), dir, {"desk.jpg"});
+    InstallJob job(typeRow("desktop"), dir, {"desk.jpg"});
     QCOMPARE(installers::installDesktop(&job), 1);
     QCOMPARE(simclient::shellLog(),
              desktopPrefix(dir, "desk.jpg", md5(dir + "/desk.jpg")) + desktopSuffix);
@@ -263,7 +264,7 @@ void TestInstallers2::desktopStartsByModality()
         writeFile(modality, modalityFile);
 
     const QString dir = simclient::makeStick({"desk.jpg"}, {"stick picture"});
-    InstallJob job(QStringLiteral("desktop"), dir, {"desk.jpg"});
+    InstallJob job(typeRow("desktop"), dir, {"desk.jpg"});
     QCOMPARE(installers::installDesktop(&job), 1);
 
     for (QString &start : starts)
@@ -288,7 +289,7 @@ void TestInstallers2::desktopQuotesAndDigestsTheInstalledCopy()
     QFETCH(QStringList, files);
     writeFile(modality, "ZUL-C\n");
     const QString dir = simclient::makeStick(files);
-    InstallJob job(QStringLiteral("desktop"), dir, files);
+    InstallJob job(typeRow("desktop"), dir, files);
     QCOMPARE(installers::installDesktop(&job), 1);
 
     const QString name = files.first();
@@ -306,7 +307,7 @@ void TestInstallers2::desktopQuotesAndDigestsTheInstalledCopy()
 void TestInstallers2::desktopFailedCopyStillLinksAndSetsTheKey()
 {
     const QString dir = simclient::makeStick({});
-    InstallJob job(QStringLiteral("desktop"), dir, {"gone.jpg"});
+    InstallJob job(typeRow("desktop"), dir, {"gone.jpg"});
     QCOMPARE(installers::installDesktop(&job), 1);
 
     const QString copy = QStringLiteral("/tmp/config/files/launchpad/gone.jpg");
@@ -318,7 +319,7 @@ void TestInstallers2::desktopFailedCopyStillLinksAndSetsTheKey()
     QCOMPARE(simclient::storeValue(desktopStore, QStringLiteral("DESKTOP_IMG")), copy);
 
     simclient::clearLogs();
-    InstallJob empty(QStringLiteral("desktop"), dir, {});
+    InstallJob empty(typeRow("desktop"), dir, {});
     QCOMPARE(installers::installDesktop(&empty), 0);
     QVERIFY(simclient::shellLog().isEmpty());
 }
@@ -328,7 +329,7 @@ void TestInstallers2::desktopFillsPlaceholdersInTheSourcePath()
 {
     const QString dir = QStringLiteral("/tmp/sticks/p%1q%2r%3");
     writeFile(dir + QStringLiteral("/desk.jpg"), "picture");
-    InstallJob job(QStringLiteral("desktop"), dir, {"desk.jpg"});
+    InstallJob job(typeRow("desktop"), dir, {"desk.jpg"});
     QTest::ignoreMessage(QtDebugMsg, "RMF - Installing  \"/tmp/sticks/p%1q%2r%3/desk.jpg\"");
     QCOMPARE(installers::installDesktop(&job), 1);
     QCOMPARE(simclient::shellLog().value(1),
@@ -347,7 +348,7 @@ void TestInstallers2::wallpaperNeedsExactlyOnePicture()
 {
     QFETCH(QStringList, files);
     const QString dir = simclient::makeStick(files);
-    InstallJob job(QStringLiteral("wallpaper"), dir, files);
+    InstallJob job(typeRow("wallpaper"), dir, files);
     QCOMPARE(installers::installWallpaper(&job), 0);
     QVERIFY(simclient::shellLog().isEmpty());
 }
@@ -356,7 +357,7 @@ void TestInstallers2::wallpaperQuotesTheNameAndRecordsTheDigest()
 {
     const QString name = QStringLiteral("my wall.jpg");
     const QString dir = simclient::makeStick({name}, {"wallpaper picture"});
-    InstallJob job(QStringLiteral("wallpaper"), dir, {name});
+    InstallJob job(typeRow("wallpaper"), dir, {name});
     QCOMPARE(installers::installWallpaper(&job), 1);
 
     const QString copy = QStringLiteral("/tmp/config/files/wallpapers/my wall.jpg");
@@ -385,13 +386,13 @@ void TestInstallers2::wallpaperQuotesTheNameAndRecordsTheDigest()
 void TestInstallers2::wallpaperFromAnUnreadableStickLeavesADanglingLink()
 {
     const QString dir = simclient::makeStick({"old.jpg"});
-    InstallJob previous(QStringLiteral("wallpaper"), dir, {"old.jpg"});
+    InstallJob previous(typeRow("wallpaper"), dir, {"old.jpg"});
     QCOMPARE(installers::installWallpaper(&previous), 1);
     const QString oldDigest = simclient::storeValue(desktopStore, QStringLiteral("WP_MD5"));
     QCOMPARE(oldDigest.size(), 32);
 
     simclient::clearLogs();
-    InstallJob job(QStringLiteral("wallpaper"), dir, {"gone.jpg"});
+    InstallJob job(typeRow("wallpaper"), dir, {"gone.jpg"});
     QCOMPARE(installers::installWallpaper(&job), 1);
 
     const QFileInfo link(QStringLiteral("/tmp/config/files/default_wp"));
@@ -425,7 +426,7 @@ void TestInstallers2::imprivataWritesPathAndDigest()
     QFETCH(QString, digestValue);
     QVERIFY(QDir().mkpath(QStringLiteral("/tmp/proveidevents")));
     const QString dir = simclient::makeStick({"card.png"}, {"card picture"});
-    InstallJob job(QString(), dir, {"card.png"});
+    InstallJob job(typeRow("ilogo"), dir, {"card.png"});
     QCOMPARE(installers::installImprivataImage(&job, kind), 1);
 
     const QString copy = QStringLiteral("/tmp/config/files/card.png");
@@ -443,7 +444,7 @@ void TestInstallers2::imprivataLegacyWritesOnlyThePath()
 {
     qputenv("DAX_LEGACY_MODE", "1");
     const QString dir = simclient::makeStick({"card.png"});
-    InstallJob job(QStringLiteral("iproxcard"), dir, {"card.png"});
+    InstallJob job(typeRow("iproxcard"), dir, {"card.png"});
     QCOMPARE(installers::installImprivataImage(&job, 1), 1);
 
     QCOMPARE(simclient::shellLog(),
@@ -460,7 +461,7 @@ void TestInstallers2::imprivataMissingStoreRefuses()
 {
     QVERIFY(QFile::remove(imprivataStoreFile()));
     const QString dir = simclient::makeStick({"logo.png"});
-    InstallJob job(QStringLiteral("ilogo"), dir, {"logo.png"});
+    InstallJob job(typeRow("ilogo"), dir, {"logo.png"});
     QTest::ignoreMessage(QtDebugMsg, "user/software/imprivata/config.xml does not exist");
     QCOMPARE(installers::installImprivataImage(&job, 2), 0);
     QCOMPARE(simclient::readFile(QStringLiteral("/tmp/config/files/logo.png")),
@@ -484,7 +485,7 @@ void TestInstallers2::imprivataNeedsExactlyOnePicture()
     QFETCH(int, kind);
     QFETCH(QStringList, files);
     const QString dir = simclient::makeStick(files);
-    InstallJob job(QString(), dir, files);
+    InstallJob job(typeRow("ilogo"), dir, files);
     QCOMPARE(installers::installImprivataImage(&job, kind), 0);
     QVERIFY(simclient::shellLog().isEmpty());
     QCOMPARE(simclient::readFile(imprivataStoreFile()), m_imprivataStore);

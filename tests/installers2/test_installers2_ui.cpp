@@ -4,6 +4,7 @@
 #include "PackageTypes.h"
 #include "RcList.h"
 #include "SimClient.h"
+#include "TypeRow.h"
 #include "WidgetClicks.h"
 
 #include <QCryptographicHash>
@@ -64,8 +65,8 @@ void TestInstallers2Ui::dispatchRunsTheRoutineOfEachType()
     QFETCH(QString, firstCommand);
     QFETCH(QString, imprivataValue);
     const QString dir = simclient::makeStick({file});
-    InstallJob job(type, dir, {file});
-    QCOMPARE(dispatch(&job), 1);
+    InstallJob job(typeRow(type), dir, {file});
+    QCOMPARE(installers::dispatch(&job), 1);
     QCOMPARE(simclient::shellLog().value(0), firstCommand.replace(QStringLiteral("%1"), dir));
     if (!imprivataValue.isEmpty())
         QCOMPARE(simclient::storeValue(QStringLiteral("user/software/imprivata"), imprivataValue),

@@ -3,6 +3,7 @@
 #include "PackageTypes.h"
 #include "RcList.h"
 #include "SimClient.h"
+#include "TypeRow.h"
 
 #include <QCryptographicHash>
 #include <QDir>
@@ -198,8 +199,8 @@ void TestNames::namesInstallWhole()
     scanEveryType(list);
     QVERIFY(list.filesOfType(type).contains(name));
 
-    InstallJob job(type, dir, {name});
-    dispatch(&job);
+    InstallJob job(typeRow(type), dir, {name});
+    installers::dispatch(&job);
 
     if (name.startsWith(QLatin1String("office")) && !dir.contains(QLatin1Char(' ')))
         QVERIFY2(!simclient::shellLog().join(QLatin1Char('\n')).contains(QLatin1Char('\'')),
@@ -315,8 +316,8 @@ void TestNames::linksOffTheStick()
 
     if (kind == QLatin1String("replaced"))
         QVERIFY(QFile::remove(path) && QFile::link(secretPath, path));
-    InstallJob job(type, dir, {name});
-    const QStringList installLines = linesOf([&job] { dispatch(&job); });
+    InstallJob job(typeRow(type), dir, {name});
+    const QStringList installLines = linesOf([&job] { installers::dispatch(&job); });
 
     QVERIFY(!configurationHoldsSecret());
     if (installs.isEmpty()) {

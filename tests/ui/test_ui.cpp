@@ -1,9 +1,11 @@
+#include "Dispatch.h"
 #include "InstallJob.h"
 #include "InstallerDlg.h"
 #include "MgrDlg.h"
 #include "PackageTypes.h"
 #include "RcList.h"
 #include "SimClient.h"
+#include "TypeRow.h"
 
 #include <QAbstractButton>
 #include <QCloseEvent>
@@ -26,8 +28,8 @@
 #include <utility>
 
 // The installer routine the worker thread calls. This definition takes the place of the
-// product's dispatch at link time (the ui library is static), so the tests see every job the
-// window hands over and decide when its installation ends.
+// product's dispatch at link time (the installers library is static), so the tests see every job
+// the window hands over and decide when its installation ends.
 namespace {
 
 struct Recorder
@@ -42,7 +44,7 @@ struct Recorder
 
 } // namespace
 
-int dispatch(InstallJob *job)
+int installers::dispatch(InstallJob *job)
 {
     bool hold;
     {
@@ -254,8 +256,7 @@ void TestUi::typeList()
     QCOMPARE(types->currentRow(), 0);
     for (int row = 0; row < types->count(); ++row) {
         const QListWidgetItem *item = types->item(row);
-        const PackageType *type = PackageTypes::find(item->data(Qt::UserRole).toString());
-        QVERIFY(type);
+        const PackageType *type = &PackageTypes::all().at(item->data(Qt::UserRole).toUInt());
         QCOMPARE(type->name(), item->text());
         QVERIFY2(!item->icon().pixmap(32).isNull(), qPrintable(type->iconPath()));
     }
@@ -290,7 +291,7 @@ void TestUi::windowConventions()
     QCOMPARE(child<QLabel>(&window, "lTitle")->text(), QStringLiteral("USB Installer"));
     QVERIFY(child<QLabel>(&window, "lTitle")->font().bold());
 
-    InstallJob job(QStringLiteral("wallpaper"), QStringLiteral("/nowhere"), {"photo.jpg"});
+    InstallJob job(typeRow("wallpaper"), QStringLiteral("/nowhere"), {"photo.jpg"});
     InstallerDlg dialog(&job);
     QCOMPARE(dialog.windowTitle(), QStringLiteral("USB Installer"));
     QCOMPARE(dialog.windowType(), Qt::Dialog);
@@ -336,7 +337,7 @@ void TestUi::styleSheet()
     const auto list = scanStick({"a.rdp"});
     MgrDlg window(list.get());
     QCOMPARE(window.styleSheet(), expected);
-    InstallJob job(QStringLiteral("rdpfile"), list->dir, {"a.rdp"});
+    InstallJob job(typeRow("rdpfile"), list->dir, {"a.rdp"});
     InstallerDlg dialog(&job);
     QCOMPARE(dialog.styleSheet(), expected);
 }
@@ -379,7 +380,7 @@ void TestUi::surplusRowsStayEmpty()
     QTest::mouseClick(child<QPushButton>(&window, "bMInstall"), Qt::LeftButton);
     const QList<InstallJob> jobs = takeJobs();
     QCOMPARE(jobs.size(), 1);
-    QCOMPARE(jobs.first().type, QStringLiteral("cert"));
+    QCOMPARE(jobs.first().type, &typeRow("cert"));
     QCOMPARE(jobs.first().files, (QStringList{rows.at(0).section(QLatin1Char('|'), 0, 0),
                                               rows.at(1).section(QLatin1Char('|'), 0, 0)}));
 }
@@ -463,7 +464,7 @@ void TestUi::installBuildsOneJob()
 
     const QList<InstallJob> jobs = takeJobs();
     QCOMPARE(jobs.size(), 1);
-    QCOMPARE(jobs.first().type, key);
+    QCOMPARE(jobs.first().type, &typeRow(key));
     QCOMPARE(jobs.first().dir, list->dir);
     QCOMPARE(jobs.first().files, inRowOrder);
     QVERIFY(window.isVisible());
@@ -564,8 +565,6 @@ void TestUi::progressText_data()
                              << "Importing RDP file settings...";
     QTest::newRow("disclaimer") << "disclaimer"
                                 << "Importing disclaimer...";
-    QTest::newRow("case differs") << "Cert"
-                                  << "Installing...";
 }
 
 void TestUi::progressText()
@@ -573,7 +572,7 @@ void TestUi::progressText()
     QFETCH(QString, key);
     QFETCH(QString, text);
 
-    InstallJob job(key, QStringLiteral("/nowhere"), {"file"});
+    InstallJob job(typeRow(key), QStringLiteral("/nowhere"), {"file"});
     recorder.hold = true;
     bool checked = false;
     whileDialogRuns([&](InstallerDlg *dialog) {
@@ -590,7 +589,7 @@ void TestUi::progressText()
 
 void TestUi::closeRefusedUntilCompletion()
 {
-    InstallJob job(QStringLiteral("ppd"), QStringLiteral("/nowhere"), {"a.ppd", "b.ppd"});
+    InstallJob job(typeRow("ppd"), QStringLiteral("/nowhere"), {"a.ppd", "b.ppd"});
     recorder.hold = true;
     bool checked = false;
     whileDialogRuns([&](InstallerDlg *dialog) {
@@ -617,7 +616,7 @@ void TestUi::closeRefusedUntilCompletion()
 
 void TestUi::fastInstallerStillClosesDialog()
 {
-    InstallJob job(QStringLiteral("disclaimer"), QStringLiteral("/nowhere"), {"a.txt"});
+    InstallJob job(typeRow("disclaimer"), QStringLiteral("/nowhere"), {"a.txt"});
     InstallerDlg dialog(&job);
     // Let the worker run to its end before the modal loop starts: its completion is then
     // already waiting in the queue.

@@ -5,14 +5,13 @@
 #include "LinkRecheck.h"
 #include "PackageTypes.h"
 
+namespace installers {
+
 int dispatch(InstallJob *job)
 {
-    const PackageType *type = PackageTypes::find(job->type);
-    if (!type || !installers::keepOnlyFilesOnTheStick(*job))
+    if (!keepOnlyFilesOnTheStick(*job))
         return 0;
-
-    using namespace installers;
-    switch (type->routine) {
+    switch (job->type->routine) {
     case InstallerRoutine::PrinterDrivers:
         return installPrinterDrivers(job);
     case InstallerRoutine::Certificates:
@@ -30,7 +29,7 @@ int dispatch(InstallJob *job)
     case InstallerRoutine::Screensaver:
         return installScreensaver(job);
     case InstallerRoutine::ImprivataImage:
-        return installImprivataImage(job, type->imageKind);
+        return installImprivataImage(job, job->type->imageKind);
     case InstallerRoutine::OpenVpn:
         return installOpenVpn(job);
     case InstallerRoutine::RdpFile:
@@ -40,3 +39,5 @@ int dispatch(InstallJob *job)
     }
     return 0;
 }
+
+} // namespace installers
