@@ -6,7 +6,10 @@
 
 #include <QCloseEvent>
 
-InstallerDlg::InstallerDlg(InstallJob *job) : QDialog(nullptr), installer(nullptr)
+#include <utility>
+
+InstallerDlg::InstallerDlg(InstallJob *job, installers::Routine routine)
+    : QDialog(nullptr), installer(job, std::move(routine))
 {
     windowsetup::loadIcons();
     setupUi(this);
@@ -25,15 +28,10 @@ InstallerDlg::InstallerDlg(InstallJob *job) : QDialog(nullptr), installer(nullpt
         lInstall->setText(text);
 
     connect(&installer, &RcInstaller::completed, this, &InstallerDlg::installed);
-    installer.job = job;
     installer.start(QThread::InheritPriority);
 }
 
-InstallerDlg::~InstallerDlg()
-{
-    // The thread object must not go while run() is still returning.
-    installer.wait();
-}
+InstallerDlg::~InstallerDlg() = default;
 
 void InstallerDlg::installed()
 {

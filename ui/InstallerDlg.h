@@ -15,7 +15,8 @@ class InstallerDlg : public QDialog, private Ui::InstallerDialog
     Q_OBJECT
 
 public:
-    explicit InstallerDlg(InstallJob *job);
+    // job is not owned and must outlive the dialog; routine is what the worker runs on it.
+    explicit InstallerDlg(InstallJob *job, installers::Routine routine = installers::dispatch);
     ~InstallerDlg() override;
 
 public slots:

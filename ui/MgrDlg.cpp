@@ -13,7 +13,10 @@
 #include <QListWidgetItem>
 #include <QTableWidgetItem>
 
-MgrDlg::MgrDlg(RcList *list) : QMainWindow(nullptr)
+#include <utility>
+
+MgrDlg::MgrDlg(RcList *list, installers::Routine routine)
+    : QMainWindow(nullptr), routine(std::move(routine))
 {
     windowsetup::loadIcons();
     setupUi(this);
@@ -123,7 +126,7 @@ void MgrDlg::startInstall()
     if (selectedFiles.isEmpty() || !currentType)
         return;
     InstallJob job(*currentType, rcList->dir, selectedFiles);
-    InstallerDlg dialog(&job);
+    InstallerDlg dialog(&job, routine);
     hide();
     dialog.exec();
     show();

@@ -1,6 +1,7 @@
 #ifndef MGRDLG_H
 #define MGRDLG_H
 
+#include "Dispatch.h"
 #include "ui_MainWindow.h"
 
 #include <QMainWindow>
@@ -18,7 +19,8 @@ class MgrDlg : public QMainWindow, private Ui::MainWindow
     Q_OBJECT
 
 public:
-    explicit MgrDlg(RcList *list);
+    // routine is what each installation's worker runs on its job.
+    explicit MgrDlg(RcList *list, installers::Routine routine = installers::dispatch);
     ~MgrDlg() override;
 
 public slots:
@@ -36,6 +38,7 @@ private:
     void startInstall();
 
     RcList *rcList;
+    installers::Routine routine;
     const PackageType *currentType = nullptr;
     QStringList currentFiles;
     QStringList selectedFiles;

@@ -1,12 +1,20 @@
 #include "RcInstaller.h"
 
-#include "Dispatch.h"
+#include <utility>
 
-RcInstaller::RcInstaller(QObject *parent) : QThread(parent) {}
+RcInstaller::RcInstaller(InstallJob *job, installers::Routine routine, QObject *parent)
+    : QThread(parent), job(job), routine(std::move(routine))
+{
+}
+
+RcInstaller::~RcInstaller()
+{
+    wait();
+}
 
 void RcInstaller::run()
 {
     // Failures look like success: the installer's result is not reported.
-    installers::dispatch(job);
+    routine(job);
     emit completed();
 }

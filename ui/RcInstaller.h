@@ -1,20 +1,23 @@
 #ifndef RCINSTALLER_H
 #define RCINSTALLER_H
 
+#include "Dispatch.h"
+
 #include <QThread>
 
 struct InstallJob;
 
-// The worker thread of one installation: runs the installer routine of the job's type and then
-// signals completion.
+// The worker thread of one installation: runs the routine on its job, then signals completion.
+// It waits for itself when it is destroyed, so that it never goes while still running.
 class RcInstaller : public QThread
 {
     Q_OBJECT
 
 public:
-    explicit RcInstaller(QObject *parent = nullptr);
-
-    InstallJob *job = nullptr; // not owned; set before the thread starts
+    // job is not owned and must outlive the thread object.
+    explicit RcInstaller(InstallJob *job, installers::Routine routine = installers::dispatch,
+                         QObject *parent = nullptr);
+    ~RcInstaller() override;
 
 signals:
     // Emitted on the worker thread as its last act.
@@ -22,6 +25,10 @@ signals:
 
 protected:
     void run() override;
+
+private:
+    InstallJob *const job;
+    const installers::Routine routine;
 };
 
 #endif

@@ -1,4 +1,3 @@
-#include "Dispatch.h"
 #include "InstallJob.h"
 #include "InstallerDlg.h"
 #include "MgrDlg.h"
@@ -27,9 +26,6 @@
 #include <memory>
 #include <utility>
 
-// The installer routine the worker thread calls. This definition takes the place of the
-// product's dispatch at link time (the installers library is static), so the tests see every job
-// the window hands over and decide when its installation ends.
 namespace {
 
 struct Recorder
@@ -42,9 +38,9 @@ struct Recorder
     QSemaphore entered; // one permit per installation started
 } recorder;
 
-} // namespace
-
-int installers::dispatch(InstallJob *job)
+// The routine the windows hand to the worker thread in place of the dispatch, so that the tests
+// see every job the window hands over and decide when its installation ends.
+int record(InstallJob *job)
 {
     bool hold;
     {
@@ -58,8 +54,6 @@ int installers::dispatch(InstallJob *job)
         recorder.release.acquire();
     return 1;
 }
-
-namespace {
 
 QStringList messages; // every warning the toolkit printed during the current test
 QtMessageHandler previousHandler = nullptr;
@@ -250,7 +244,7 @@ void TestUi::typeList()
     QFETCH(QStringList, shown);
 
     const auto list = scanStick(files);
-    MgrDlg window(list.get());
+    MgrDlg window(list.get(), record);
     auto *types = child<QListWidget>(&window, "lwType");
     QCOMPARE(texts(types), rows);
     QCOMPARE(types->currentRow(), 0);
@@ -275,7 +269,7 @@ void TestUi::typeList()
 void TestUi::windowConventions()
 {
     const auto list = scanStick({"photo.jpg"});
-    MgrDlg window(list.get());
+    MgrDlg window(list.get(), record);
     window.show();
     QVERIFY(QTest::qWaitForWindowExposed(&window));
 
@@ -292,7 +286,7 @@ void TestUi::windowConventions()
     QVERIFY(child<QLabel>(&window, "lTitle")->font().bold());
 
     InstallJob job(typeRow("wallpaper"), QStringLiteral("/nowhere"), {"photo.jpg"});
-    InstallerDlg dialog(&job);
+    InstallerDlg dialog(&job, record);
     QCOMPARE(dialog.windowTitle(), QStringLiteral("USB Installer"));
     QCOMPARE(dialog.windowType(), Qt::Dialog);
     QCOMPARE(dialog.minimumSize(), QSize(320, 90));
@@ -335,17 +329,17 @@ void TestUi::styleSheet()
     }
 
     const auto list = scanStick({"a.rdp"});
-    MgrDlg window(list.get());
+    MgrDlg window(list.get(), record);
     QCOMPARE(window.styleSheet(), expected);
     InstallJob job(typeRow("rdpfile"), list->dir, {"a.rdp"});
-    InstallerDlg dialog(&job);
+    InstallerDlg dialog(&job, record);
     QCOMPARE(dialog.styleSheet(), expected);
 }
 
 void TestUi::multiPageTicksEveryFile()
 {
     const auto list = scanStick({"c.ppd", "A.ppd", "b.ppd"});
-    MgrDlg window(list.get());
+    MgrDlg window(list.get(), record);
     auto *table = child<QTableWidget>(&window, "twMulti");
     QCOMPARE(child<QStackedWidget>(&window, "sw")->currentWidget()->objectName(),
              QStringLiteral("pMulti"));
@@ -364,7 +358,7 @@ void TestUi::surplusRowsStayEmpty()
 {
     const auto list =
         scanStick({"p1.ppd", "p2.ppd", "p3.ppd", "p4.ppd", "p5.ppd", "c1.cer", "c2.pem"});
-    MgrDlg window(list.get());
+    MgrDlg window(list.get(), record);
     window.show();
     selectType(&window, QStringLiteral("Printer Driver"));
     selectType(&window, QStringLiteral("Certificate"));
@@ -388,7 +382,7 @@ void TestUi::surplusRowsStayEmpty()
 void TestUi::nothingTickedOpensNoDialog()
 {
     const auto list = scanStick({"a.crt", "b.crt"});
-    MgrDlg window(list.get());
+    MgrDlg window(list.get(), record);
     window.show();
     auto *table = child<QTableWidget>(&window, "twMulti");
     for (int row = 0; row < table->rowCount(); ++row)
@@ -432,7 +426,7 @@ void TestUi::installBuildsOneJob()
     QFETCH(QStringList, chosen);
 
     const auto list = scanStick(files);
-    MgrDlg window(list.get());
+    MgrDlg window(list.get(), record);
     window.show();
     QVERIFY(QTest::qWaitForWindowExposed(&window));
     selectType(&window, type);
@@ -473,7 +467,7 @@ void TestUi::installBuildsOneJob()
 void TestUi::windowReturnsUnchanged()
 {
     const auto list = scanStick({"a.ppd", "b.ppd", "c.ppd", "photo.jpg"});
-    MgrDlg window(list.get());
+    MgrDlg window(list.get(), record);
     window.show();
     QVERIFY(QTest::qWaitForWindowExposed(&window));
     auto *types = child<QListWidget>(&window, "lwType");
@@ -524,7 +518,7 @@ void TestUi::windowReturnsUnchanged()
 void TestUi::quitClosesTheWindow()
 {
     const auto list = scanStick({"a.rdp"});
-    MgrDlg window(list.get());
+    MgrDlg window(list.get(), record);
     window.show();
     QVERIFY(QTest::qWaitForWindowExposed(&window));
     QTest::mouseClick(child<QPushButton>(&window, "bQuit"), Qt::LeftButton);
@@ -580,7 +574,7 @@ void TestUi::progressText()
         QVERIFY(dialog);
         QCOMPARE(child<QLabel>(dialog, "lInstall")->text(), text);
     });
-    InstallerDlg dialog(&job);
+    InstallerDlg dialog(&job, record);
     dialog.exec();
     QVERIFY(checked);
     QCOMPARE(child<QLabel>(&dialog, "lInstall")->text(), QStringLiteral("Package(s) Installed"));
@@ -604,7 +598,7 @@ void TestUi::closeRefusedUntilCompletion()
         QCOMPARE(child<QLabel>(dialog, "lInstall")->text(),
                  QStringLiteral("Installing printer drivers..."));
     });
-    InstallerDlg dialog(&job);
+    InstallerDlg dialog(&job, record);
     dialog.exec();
     QVERIFY(checked);
     QVERIFY(!dialog.isVisible());
@@ -617,7 +611,7 @@ void TestUi::closeRefusedUntilCompletion()
 void TestUi::fastInstallerStillClosesDialog()
 {
     InstallJob job(typeRow("disclaimer"), QStringLiteral("/nowhere"), {"a.txt"});
-    InstallerDlg dialog(&job);
+    InstallerDlg dialog(&job, record);
     // Let the worker run to its end before the modal loop starts: its completion is then
     // already waiting in the queue.
     recorder.entered.acquire();
