@@ -3,17 +3,19 @@
 #include "InstallJob.h"
 #include "PackageTypes.h"
 #include "WindowSetup.h"
+#include "ui_InstallerDialog.h"
 
 #include <QCloseEvent>
 
 #include <utility>
 
 InstallerDlg::InstallerDlg(InstallJob *job, installers::Routine routine)
-    : QDialog(nullptr), installer(job, std::move(routine))
+    : QDialog(nullptr), ui(std::make_unique<Ui::InstallerDialog>()),
+      installer(job, std::move(routine))
 {
     windowsetup::loadIcons();
-    setupUi(this);
-    lIInstaller->setPixmap(windowsetup::titleImage());
+    ui->setupUi(this);
+    ui->lIInstaller->setPixmap(windowsetup::titleImage());
     setWindowFlags(Qt::Dialog);
     setFixedSize(width(), height());
     setStyleSheet(windowsetup::styleSheet());
@@ -25,7 +27,7 @@ InstallerDlg::InstallerDlg(InstallJob *job, installers::Routine routine)
     // No text of its own (the firmware update, bound to "firmware"): "Installing..." stays.
     const QString text = job->type->progressLabel();
     if (!text.isEmpty())
-        lInstall->setText(text);
+        ui->lInstall->setText(text);
 
     connect(&installer, &RcInstaller::completed, this, &InstallerDlg::installed);
     installer.start(QThread::InheritPriority);
@@ -36,7 +38,7 @@ InstallerDlg::~InstallerDlg() = default;
 void InstallerDlg::installed()
 {
     finished = true;
-    lInstall->setText(QStringLiteral("Package(s) Installed"));
+    ui->lInstall->setText(QStringLiteral("Package(s) Installed"));
     close();
 }
 

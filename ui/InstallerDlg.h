@@ -2,15 +2,19 @@
 #define INSTALLERDLG_H
 
 #include "RcInstaller.h"
-#include "ui_InstallerDialog.h"
 
 #include <QDialog>
 
+#include <memory>
+
 struct InstallJob;
+namespace Ui {
+class InstallerDialog;
+}
 
 // The progress dialog of one installation. It starts the worker at once and refuses to close
 // until the worker has completed.
-class InstallerDlg : public QDialog, private Ui::InstallerDialog
+class InstallerDlg : public QDialog
 {
     Q_OBJECT
 
@@ -28,6 +32,7 @@ protected:
     void closeEvent(QCloseEvent *event) override;
 
 private:
+    const std::unique_ptr<Ui::InstallerDialog> ui;
     bool finished;
     InstallJob *job;
     RcInstaller installer;

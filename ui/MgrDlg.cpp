@@ -6,6 +6,7 @@
 #include "PngIconEngine.h"
 #include "RcList.h"
 #include "WindowSetup.h"
+#include "ui_MainWindow.h"
 
 #include <QAbstractButton>
 #include <QCheckBox>
@@ -16,11 +17,11 @@
 #include <utility>
 
 MgrDlg::MgrDlg(RcList *list, installers::Routine routine)
-    : QMainWindow(nullptr), routine(std::move(routine))
+    : QMainWindow(nullptr), ui(std::make_unique<Ui::MainWindow>()), routine(std::move(routine))
 {
     windowsetup::loadIcons();
-    setupUi(this);
-    lIcon->setPixmap(windowsetup::titleImage());
+    ui->setupUi(this);
+    ui->lIcon->setPixmap(windowsetup::titleImage());
     setWindowFlags(Qt::Dialog);
     setFixedSize(width(), height());
     rcList = list;
@@ -39,11 +40,11 @@ void MgrDlg::placeWindow()
 
 void MgrDlg::fillTypeList()
 {
-    lwType->clear();
+    ui->lwType->clear();
     for (const PackageType *type : PackageTypes::inListOrder())
         addType(*type);
     // Emits the current-item change: the window opens with a page already filled.
-    lwType->setCurrentRow(0);
+    ui->lwType->setCurrentRow(0);
 }
 
 void MgrDlg::addType(const PackageType &type)
@@ -55,7 +56,7 @@ void MgrDlg::addType(const PackageType &type)
     // The row's position in the table, so that the type is never looked up by its key again.
     item->setData(Qt::UserRole, static_cast<int>(&type - PackageTypes::all().data()));
     // The list sorts itself by display name.
-    lwType->insertItem(lwType->count(), item);
+    ui->lwType->insertItem(ui->lwType->count(), item);
 }
 
 void MgrDlg::changeType(QListWidgetItem *current, QListWidgetItem * /*previous*/)
@@ -65,10 +66,10 @@ void MgrDlg::changeType(QListWidgetItem *current, QListWidgetItem * /*previous*/
     currentType = &PackageTypes::all().at(current->data(Qt::UserRole).toUInt());
     currentFiles = rcList->filesOfType(currentType->typeKey());
     if (currentType->page == SelectionPage::Multi) {
-        sw->setCurrentWidget(pMulti);
+        ui->sw->setCurrentWidget(ui->pMulti);
         fillMulti();
     } else {
-        sw->setCurrentWidget(pSingle);
+        ui->sw->setCurrentWidget(ui->pSingle);
         fillSingle();
     }
 }
@@ -77,32 +78,32 @@ void MgrDlg::fillMulti()
 {
     // Rows stay: a type with fewer files leaves the surplus rows empty, and installing skips
     // them.
-    twMulti->clearContents();
-    twMulti->setColumnWidth(0, 400);
-    twMulti->setColumnWidth(1, 30);
+    ui->twMulti->clearContents();
+    ui->twMulti->setColumnWidth(0, 400);
+    ui->twMulti->setColumnWidth(1, 30);
     for (int i = 0; i < currentFiles.size(); ++i) {
-        if (twMulti->rowCount() <= i)
-            twMulti->insertRow(i);
-        twMulti->setItem(i, 0, new QTableWidgetItem(currentFiles.at(i)));
+        if (ui->twMulti->rowCount() <= i)
+            ui->twMulti->insertRow(i);
+        ui->twMulti->setItem(i, 0, new QTableWidgetItem(currentFiles.at(i)));
         // Placed by index right after the item, although the sorting table may have moved the
         // item already: intended.
         auto *box = new QCheckBox;
         box->setChecked(true);
-        twMulti->setCellWidget(i, 1, box);
+        ui->twMulti->setCellWidget(i, 1, box);
     }
 }
 
 void MgrDlg::fillSingle()
 {
-    lwSingle->clear();
+    ui->lwSingle->clear();
     for (const QString &file : qAsConst(currentFiles))
-        lwSingle->addItem(file);
-    lwSingle->setCurrentRow(0);
+        ui->lwSingle->addItem(file);
+    ui->lwSingle->setCurrentRow(0);
 }
 
 void MgrDlg::installSingle()
 {
-    const QListWidgetItem *item = lwSingle->currentItem();
+    const QListWidgetItem *item = ui->lwSingle->currentItem();
     if (!item)
         return;
     selectedFiles.clear();
@@ -113,10 +114,10 @@ void MgrDlg::installSingle()
 void MgrDlg::installMulti()
 {
     selectedFiles.clear();
-    for (int row = 0; row < twMulti->rowCount(); ++row) {
-        const auto *box = static_cast<QAbstractButton *>(twMulti->cellWidget(row, 1));
+    for (int row = 0; row < ui->twMulti->rowCount(); ++row) {
+        const auto *box = static_cast<QAbstractButton *>(ui->twMulti->cellWidget(row, 1));
         if (box && box->isChecked())
-            selectedFiles.append(twMulti->item(row, 0)->text());
+            selectedFiles.append(ui->twMulti->item(row, 0)->text());
     }
     startInstall();
 }

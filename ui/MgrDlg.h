@@ -2,19 +2,23 @@
 #define MGRDLG_H
 
 #include "Dispatch.h"
-#include "ui_MainWindow.h"
 
 #include <QMainWindow>
 #include <QString>
 #include <QStringList>
 
+#include <memory>
+
 class QListWidgetItem;
 class RcList;
 struct PackageType;
+namespace Ui {
+class MainWindow;
+}
 
 // The main window: the package types found on the stick, the files of the current type, and
 // one installation at a time through the progress dialog.
-class MgrDlg : public QMainWindow, private Ui::MainWindow
+class MgrDlg : public QMainWindow
 {
     Q_OBJECT
 
@@ -37,6 +41,7 @@ private:
     void fillSingle();
     void startInstall();
 
+    const std::unique_ptr<Ui::MainWindow> ui;
     RcList *rcList;
     installers::Routine routine;
     const PackageType *currentType = nullptr;
