@@ -7,15 +7,6 @@
 
 namespace installers {
 
-// The archive is upgraded from where it lies on the stick; nothing is made persistent here.
-int installUpdate(InstallJob *job)
-{
-    if (job->files.size() != 1)
-        return 0;
-    run(fill("tar-upgrade \"%1/%2\"", job->dir, job->files.first()));
-    return 1;
-}
-
 // Only the first name is used. The removals under /boot come after the copy and never touch it.
 int installScreenConnect(InstallJob *job)
 {

@@ -1,0 +1,17 @@
+#include "Installers.h"
+
+#include "InstallJob.h"
+#include "InstallerSupport.h"
+
+namespace installers {
+
+// The archive is upgraded from where it lies on the stick; nothing is made persistent here.
+int installUpdate(InstallJob *job)
+{
+    if (job->files.size() != 1)
+        return 0;
+    run(fill("tar-upgrade \"%1/%2\"", job->dir, job->files.first()));
+    return 1;
+}
+
+} // namespace installers
