@@ -11,7 +11,7 @@
 
 // Screensaver, RDP import, desktop image, wallpaper and Imprivata images on the simulated
 // client: the command lines run, the stand-ins' calls, the files and keys left, the results.
-class TestInstallers2 : public QObject
+class TestDesktopInstallers : public QObject
 {
     Q_OBJECT
 
@@ -100,21 +100,21 @@ const QStringList desktopSuffix{QStringLiteral("rm -rf /tmp/config/files/desktop
 
 } // namespace
 
-void TestInstallers2::initTestCase()
+void TestDesktopInstallers::initTestCase()
 {
     simclient::requireSim();
     m_imprivataStore = simclient::readFile(imprivataStoreFile());
     QVERIFY(QFile::exists(imprivataStoreFile()));
 }
 
-void TestInstallers2::init()
+void TestDesktopInstallers::init()
 {
     simclient::clearLogs();
 }
 
 // Each case starts from the client's own state: no marker, no modality file, no installed
 // pictures, the Imprivata store as the client has it, no legacy mode, no desktop running.
-void TestInstallers2::cleanup()
+void TestDesktopInstallers::cleanup()
 {
     QFile::remove(marker);
     QFile::remove(modality);
@@ -131,7 +131,7 @@ void TestInstallers2::cleanup()
                        QStringLiteral("rdp-desktop.sh")});
 }
 
-void TestInstallers2::screensaverCopiesEveryPictureThenFreezes()
+void TestDesktopInstallers::screensaverCopiesEveryPictureThenFreezes()
 {
     const QStringList names{"e.jpg", "a b.png", "c.jpg", "d.bmp", "b.jpg"};
     const QString dir = simclient::makeStick(names);
@@ -152,7 +152,7 @@ void TestInstallers2::screensaverCopiesEveryPictureThenFreezes()
     QCOMPARE(simclient::shellLog(), QStringList{"freeze"});
 }
 
-void TestInstallers2::screensaverKeepsAnExistingPicture()
+void TestDesktopInstallers::screensaverKeepsAnExistingPicture()
 {
     writeFile(QStringLiteral("/tmp/config/files/screensaver/a.jpg"), "old picture");
     const QString dir = simclient::makeStick({"a.jpg", "b.jpg"});
@@ -165,7 +165,7 @@ void TestInstallers2::screensaverKeepsAnExistingPicture()
     QCOMPARE(simclient::shellLog(), QStringList{"freeze"});
 }
 
-void TestInstallers2::rdpImportReloadsByOsVariant_data()
+void TestDesktopInstallers::rdpImportReloadsByOsVariant_data()
 {
     QTest::addColumn<bool>("withMarker");
     QTest::addColumn<QStringList>("reload");
@@ -173,7 +173,7 @@ void TestInstallers2::rdpImportReloadsByOsVariant_data()
     QTest::newRow("no marker") << false << QStringList{"killall rdp-desktop", "rdp-desktop.sh &"};
 }
 
-void TestInstallers2::rdpImportReloadsByOsVariant()
+void TestDesktopInstallers::rdpImportReloadsByOsVariant()
 {
     QFETCH(bool, withMarker);
     QFETCH(QStringList, reload);
@@ -193,7 +193,7 @@ void TestInstallers2::rdpImportReloadsByOsVariant()
     QCOMPARE(simclient::calls(QStringLiteral("freeze")).size(), 1);
 }
 
-void TestInstallers2::rdpImportTakesTheFirstFile()
+void TestDesktopInstallers::rdpImportTakesTheFirstFile()
 {
     const QStringList files{"b.rdp", "a.rdp"};
     const QString dir = simclient::makeStick(files);
@@ -208,7 +208,7 @@ void TestInstallers2::rdpImportTakesTheFirstFile()
     QVERIFY(simclient::shellLog().isEmpty());
 }
 
-void TestInstallers2::desktopWithMarkerStartsNothing()
+void TestDesktopInstallers::desktopWithMarkerStartsNothing()
 {
     writeFile(marker, {});
     writeFile(modality, "ZUL-O\n");
@@ -226,7 +226,7 @@ void TestInstallers2::desktopWithMarkerStartsNothing()
     QVERIFY(simclient::shellLog().contains(QStringLiteral("vmw-desktop &")));
 }
 
-void TestInstallers2::desktopStartsByModality_data()
+void TestDesktopInstallers::desktopStartsByModality_data()
 {
     QTest::addColumn<QByteArray>("modalityFile"); // "dir": a folder that cannot be read
     QTest::addColumn<bool>("exists");
@@ -253,7 +253,7 @@ void TestInstallers2::desktopStartsByModality_data()
     QTest::newRow("unreadable") << QByteArray("dir") << true << QStringList{};
 }
 
-void TestInstallers2::desktopStartsByModality()
+void TestDesktopInstallers::desktopStartsByModality()
 {
     QFETCH(QByteArray, modalityFile);
     QFETCH(bool, exists);
@@ -276,7 +276,7 @@ void TestInstallers2::desktopStartsByModality()
                  QByteArray("stick picture"));
 }
 
-void TestInstallers2::desktopQuotesAndDigestsTheInstalledCopy_data()
+void TestDesktopInstallers::desktopQuotesAndDigestsTheInstalledCopy_data()
 {
     QTest::addColumn<QStringList>("files");
     QTest::newRow("plain") << QStringList{"desk.jpg"};
@@ -284,7 +284,7 @@ void TestInstallers2::desktopQuotesAndDigestsTheInstalledCopy_data()
     QTest::newRow("only the first of three") << QStringList{"one.jpg", "two.jpg", "three.jpg"};
 }
 
-void TestInstallers2::desktopQuotesAndDigestsTheInstalledCopy()
+void TestDesktopInstallers::desktopQuotesAndDigestsTheInstalledCopy()
 {
     QFETCH(QStringList, files);
     writeFile(modality, "ZUL-C\n");
@@ -304,7 +304,7 @@ void TestInstallers2::desktopQuotesAndDigestsTheInstalledCopy()
              name.toUtf8());
 }
 
-void TestInstallers2::desktopFailedCopyStillLinksAndSetsTheKey()
+void TestDesktopInstallers::desktopFailedCopyStillLinksAndSetsTheKey()
 {
     const QString dir = simclient::makeStick({});
     InstallJob job(typeRow("desktop"), dir, {"gone.jpg"});
@@ -325,7 +325,7 @@ void TestInstallers2::desktopFailedCopyStillLinksAndSetsTheKey()
 }
 
 // The source path joins the copy command before its placeholders are filled.
-void TestInstallers2::desktopFillsPlaceholdersInTheSourcePath()
+void TestDesktopInstallers::desktopFillsPlaceholdersInTheSourcePath()
 {
     const QString dir = QStringLiteral("/tmp/sticks/p%1q%2r%3");
     writeFile(dir + QStringLiteral("/desk.jpg"), "picture");
@@ -337,14 +337,14 @@ void TestInstallers2::desktopFillsPlaceholdersInTheSourcePath()
                             "\"/tmp/config/files/launchpad/desk.jpg\" "));
 }
 
-void TestInstallers2::wallpaperNeedsExactlyOnePicture_data()
+void TestDesktopInstallers::wallpaperNeedsExactlyOnePicture_data()
 {
     QTest::addColumn<QStringList>("files");
     QTest::newRow("none") << QStringList{};
     QTest::newRow("two") << QStringList{"a.jpg", "b.jpg"};
 }
 
-void TestInstallers2::wallpaperNeedsExactlyOnePicture()
+void TestDesktopInstallers::wallpaperNeedsExactlyOnePicture()
 {
     QFETCH(QStringList, files);
     const QString dir = simclient::makeStick(files);
@@ -353,7 +353,7 @@ void TestInstallers2::wallpaperNeedsExactlyOnePicture()
     QVERIFY(simclient::shellLog().isEmpty());
 }
 
-void TestInstallers2::wallpaperQuotesTheNameAndRecordsTheDigest()
+void TestDesktopInstallers::wallpaperQuotesTheNameAndRecordsTheDigest()
 {
     const QString name = QStringLiteral("my wall.jpg");
     const QString dir = simclient::makeStick({name}, {"wallpaper picture"});
@@ -383,7 +383,7 @@ void TestInstallers2::wallpaperQuotesTheNameAndRecordsTheDigest()
     QVERIFY(simclient::calls(QStringLiteral("freeze")).isEmpty());
 }
 
-void TestInstallers2::wallpaperFromAnUnreadableStickLeavesADanglingLink()
+void TestDesktopInstallers::wallpaperFromAnUnreadableStickLeavesADanglingLink()
 {
     const QString dir = simclient::makeStick({"old.jpg"});
     InstallJob previous(typeRow("wallpaper"), dir, {"old.jpg"});
@@ -406,7 +406,7 @@ void TestInstallers2::wallpaperFromAnUnreadableStickLeavesADanglingLink()
     QCOMPARE(simclient::shellLog().last(), QStringLiteral("setwp /tmp/config/files/default_wp"));
 }
 
-void TestInstallers2::imprivataWritesPathAndDigest_data()
+void TestDesktopInstallers::imprivataWritesPathAndDigest_data()
 {
     QTest::addColumn<int>("kind");
     QTest::addColumn<QString>("pathValue");
@@ -419,7 +419,7 @@ void TestInstallers2::imprivataWritesPathAndDigest_data()
                            << "CoBranding_MD5";
 }
 
-void TestInstallers2::imprivataWritesPathAndDigest()
+void TestDesktopInstallers::imprivataWritesPathAndDigest()
 {
     QFETCH(int, kind);
     QFETCH(QString, pathValue);
@@ -440,7 +440,7 @@ void TestInstallers2::imprivataWritesPathAndDigest()
     QVERIFY(simclient::calls(QStringLiteral("freeze")).isEmpty());
 }
 
-void TestInstallers2::imprivataLegacyWritesOnlyThePath()
+void TestDesktopInstallers::imprivataLegacyWritesOnlyThePath()
 {
     qputenv("DAX_LEGACY_MODE", "1");
     const QString dir = simclient::makeStick({"card.png"});
@@ -457,7 +457,7 @@ void TestInstallers2::imprivataLegacyWritesOnlyThePath()
     QCOMPARE(simclient::readFile(imprivataStoreFile()), m_imprivataStore);
 }
 
-void TestInstallers2::imprivataMissingStoreRefuses()
+void TestDesktopInstallers::imprivataMissingStoreRefuses()
 {
     QVERIFY(QFile::remove(imprivataStoreFile()));
     const QString dir = simclient::makeStick({"logo.png"});
@@ -470,7 +470,7 @@ void TestInstallers2::imprivataMissingStoreRefuses()
     QVERIFY(!QFile::exists(imprivataStoreFile()));
 }
 
-void TestInstallers2::imprivataNeedsExactlyOnePicture_data()
+void TestDesktopInstallers::imprivataNeedsExactlyOnePicture_data()
 {
     QTest::addColumn<int>("kind");
     QTest::addColumn<QStringList>("files");
@@ -480,7 +480,7 @@ void TestInstallers2::imprivataNeedsExactlyOnePicture_data()
     }
 }
 
-void TestInstallers2::imprivataNeedsExactlyOnePicture()
+void TestDesktopInstallers::imprivataNeedsExactlyOnePicture()
 {
     QFETCH(int, kind);
     QFETCH(QStringList, files);
@@ -491,5 +491,5 @@ void TestInstallers2::imprivataNeedsExactlyOnePicture()
     QCOMPARE(simclient::readFile(imprivataStoreFile()), m_imprivataStore);
 }
 
-QTEST_GUILESS_MAIN(TestInstallers2)
-#include "test_installers2.moc"
+QTEST_GUILESS_MAIN(TestDesktopInstallers)
+#include "test_desktop_installers.moc"

@@ -18,7 +18,7 @@ Q_DECLARE_METATYPE(Routine)
 // Certificates, printer drivers, firmware update, ScreenConnect, OpenVPN, icon and disclaimer,
 // run on the simulated client: what the shell ran, what the client's tools were called with,
 // what landed in the client's tree, and what each routine returned.
-class TestInstallers1 : public QObject
+class TestSystemInstallers : public QObject
 {
     Q_OBJECT
 
@@ -106,19 +106,19 @@ void captureDebug(QtMsgType type, const QMessageLogContext &context, const QStri
 
 } // namespace
 
-void TestInstallers1::initTestCase()
+void TestSystemInstallers::initTestCase()
 {
     simclient::requireSim();
     QVERIFY(QFileInfo(QStringLiteral("/tmp/config/files/cacerts")).isDir());
     QVERIFY(QFileInfo(QStringLiteral("/tmp/config/files/ppd")).isDir());
 }
 
-void TestInstallers1::init()
+void TestSystemInstallers::init()
 {
     simclient::clearLogs();
 }
 
-void TestInstallers1::certificates_data()
+void TestSystemInstallers::certificates_data()
 {
     QTest::addColumn<QStringList>("files");
     QTest::addColumn<QStringList>("blankFree");
@@ -163,7 +163,7 @@ void TestInstallers1::certificates_data()
         << QStringList{} << QStringList{} << QStringList{"certs register", "freeze"};
 }
 
-void TestInstallers1::certificates()
+void TestSystemInstallers::certificates()
 {
     QFETCH(QStringList, files);
     QFETCH(QStringList, blankFree);
@@ -199,7 +199,7 @@ void TestInstallers1::certificates()
     QCOMPARE(simclient::calls(), expectedCalls);
 }
 
-void TestInstallers1::printerDrivers_data()
+void TestSystemInstallers::printerDrivers_data()
 {
     QTest::addColumn<QStringList>("files");
 
@@ -207,7 +207,7 @@ void TestInstallers1::printerDrivers_data()
     QTest::newRow("empty selection") << QStringList{};
 }
 
-void TestInstallers1::printerDrivers()
+void TestSystemInstallers::printerDrivers()
 {
     QFETCH(QStringList, files);
 
@@ -228,7 +228,7 @@ void TestInstallers1::printerDrivers()
     }
 }
 
-void TestInstallers1::printerDriverAlreadyInstalledIsKept()
+void TestSystemInstallers::printerDriverAlreadyInstalledIsKept()
 {
     QVERIFY(writeFile("/tmp/config/files/ppd/office.ppd", "installed earlier"));
     const QString stick = simclient::makeStick({"office.ppd"}, {"newer driver"});
@@ -242,7 +242,7 @@ void TestInstallers1::printerDriverAlreadyInstalledIsKept()
     QCOMPARE(simclient::calls().size(), 2);
 }
 
-void TestInstallers1::printerDriversWithoutDriverFolder()
+void TestSystemInstallers::printerDriversWithoutDriverFolder()
 {
     const QString folder = QStringLiteral("/tmp/config/files/ppd");
     QVERIFY(QDir(folder).removeRecursively());
@@ -261,7 +261,7 @@ void TestInstallers1::printerDriversWithoutDriverFolder()
     QVERIFY(QFileInfo(QStringLiteral("/config/files/ppd")).isDir());
 }
 
-void TestInstallers1::jobsRefusedOrEmpty_data()
+void TestSystemInstallers::jobsRefusedOrEmpty_data()
 {
     QTest::addColumn<Routine>("routine");
     QTest::addColumn<QStringList>("files");
@@ -279,7 +279,7 @@ void TestInstallers1::jobsRefusedOrEmpty_data()
 }
 
 // Nothing at all happens to the client: no command, no tool, no file.
-void TestInstallers1::jobsRefusedOrEmpty()
+void TestSystemInstallers::jobsRefusedOrEmpty()
 {
     QFETCH(Routine, routine);
     QFETCH(QStringList, files);
@@ -297,7 +297,7 @@ void TestInstallers1::jobsRefusedOrEmpty()
     QVERIFY(QFileInfo::exists("/boot/screenconnect.conf"));
 }
 
-void TestInstallers1::firmwareUpdatePathWithBlanks()
+void TestSystemInstallers::firmwareUpdatePathWithBlanks()
 {
     const QString stick = stickAt("/tmp/sticks/usb stick", {"fw update.tzupg"});
     InstallJob job(typeRow("update"), stick, {"fw update.tzupg"});
@@ -309,7 +309,7 @@ void TestInstallers1::firmwareUpdatePathWithBlanks()
     QCOMPARE(simclient::calls(), QStringList{"tar-upgrade [" + stick + "/fw update.tzupg]"});
 }
 
-void TestInstallers1::screenConnect_data()
+void TestSystemInstallers::screenConnect_data()
 {
     QTest::addColumn<QStringList>("files");
     QTest::addColumn<QByteArray>("installedBefore");
@@ -323,7 +323,7 @@ void TestInstallers1::screenConnect_data()
         << QStringList{package, "other.deb"} << QByteArray() << package.toUtf8();
 }
 
-void TestInstallers1::screenConnect()
+void TestSystemInstallers::screenConnect()
 {
     QFETCH(QStringList, files);
     QFETCH(QByteArray, installedBefore);
@@ -353,7 +353,7 @@ void TestInstallers1::screenConnect()
     QCOMPARE(simclient::calls(), QStringList{"freeze"});
 }
 
-void TestInstallers1::openVpn()
+void TestSystemInstallers::openVpn()
 {
     const QString stick = simclient::makeStick({"office.ovpn"}, {"remote vpn.example 1194\n"});
     InstallJob job(typeRow("openvpn"), stick, {"office.ovpn"});
@@ -378,7 +378,7 @@ void TestInstallers1::openVpn()
     QTRY_COMPARE(simclient::calls(), QStringList{"ovpn2xml"});
 }
 
-void TestInstallers1::iconWithBlankInItsName()
+void TestSystemInstallers::iconWithBlankInItsName()
 {
     const QString stick = simclient::makeStick({"company logo.png"});
     InstallJob job(typeRow("icon"), stick, {"company logo.png"});
@@ -398,7 +398,7 @@ void TestInstallers1::iconWithBlankInItsName()
     QCOMPARE(simclient::calls(), QStringList{});
 }
 
-void TestInstallers1::disclaimer_data()
+void TestSystemInstallers::disclaimer_data()
 {
     QTest::addColumn<QStringList>("files");
     QTest::addColumn<QList<QByteArray>>("contents");
@@ -410,7 +410,7 @@ void TestInstallers1::disclaimer_data()
         << QList<QByteArray>{"First notice.", "Second notice."};
 }
 
-void TestInstallers1::disclaimer()
+void TestSystemInstallers::disclaimer()
 {
     QFETCH(QStringList, files);
     QFETCH(QList<QByteArray>, contents);
@@ -432,5 +432,5 @@ void TestInstallers1::disclaimer()
              QString::fromUtf8(contents.first()));
 }
 
-QTEST_GUILESS_MAIN(TestInstallers1)
-#include "test_installers1.moc"
+QTEST_GUILESS_MAIN(TestSystemInstallers)
+#include "test_system_installers.moc"
