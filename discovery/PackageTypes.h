@@ -50,14 +50,62 @@ struct PackageType
 
 namespace PackageTypes {
 
+namespace detail {
+
+using P = SelectionPage;
+using R = InstallerRoutine;
+
+inline constexpr char pictures[] = "*.jpg *.jpeg *.gif *.png *.bmp";
+
+// clang-format off
+inline constexpr std::array rows{
+    PackageType{"ppd",           "Printer Driver",        "*.ppd",
+                P::Multi,   1, "ppd",           "Installing printer drivers...",            R::PrinterDrivers, -1},
+    PackageType{"cert",          "Certificate",           "*.cer *.crt *.pem *.p12 *.der *.pfx",
+                P::Multi,   2, "cert",          "Installing certificates...",               R::Certificates,   -1},
+    PackageType{"update",        "Firmware Update",       "*.tzupg *.tar",
+                P::Single,  6, "firmware",      "Installing firmware update...",            R::Update,         -1},
+    PackageType{"ScreenConnect", "Screen Connect",        "ScreenConnect.ClientSetup.deb",
+                P::Single,  7, "ScreenConnect", "Installing Screen Connect...",             R::ScreenConnect,  -1},
+    PackageType{"wallpaper",     "Wallpaper",             pictures,
+                P::Single,  3, "wallpaper",     "Installing wallpaper...",                  R::Wallpaper,      -1},
+    PackageType{"icon",          "Icon",                  pictures,
+                P::Single,  4, "icon",          "Installing icon...",                       R::Icon,           -1},
+    PackageType{"desktop",       "Desktop Image",         "*.jpg",
+                P::Single,  8, "desktop",       "Installing Desktop Image...",              R::Desktop,        -1},
+    PackageType{"screensaver",   "ScreenSaver",           "*.jpg",
+                P::Single,  5, "screensaver",   "Screensaver image(s)...",                  R::Screensaver,    -1},
+    PackageType{"iwallpaper",    "Imprivata Wallpaper",   pictures,
+                P::Single,  9, "iwallpaper",    "Installing Imprivata Wallpaper Image...",  R::ImprivataImage,  0},
+    PackageType{"ilogo",         "Imprivata Login Image", "*.png",
+                P::Single, 10, "ilogo",         "Installing Imprivata Login Image...",      R::ImprivataImage,  2},
+    PackageType{"iproxcard",     "Imprivata Card Image",  "*.png",
+                P::Single, 11, "iproxcard",     "Installing Imprivata Card Image...",       R::ImprivataImage,  1},
+    PackageType{"openvpn",       "OpenVPN",               "*.ovpn",
+                P::Single, 12, "openvpn",       "Installing OpenVPN client config...",      R::OpenVpn,        -1},
+    PackageType{"rdpfile",       "RDP file",              "*.rdp",
+                P::Single, 13, "rdpfile",       "Importing RDP file settings...",           R::RdpFile,        -1},
+    PackageType{"disclaimer",    "Disclaimer",            "*.txt *.html",
+                P::Single, 14, "disclaimer",    "Importing disclaimer...",                  R::Disclaimer,     -1},
+};
+// clang-format on
+
+} // namespace detail
+
+// How many package types there are.
+inline constexpr std::size_t count = detail::rows.size();
+
 // Every package type, in scan order.
-const std::array<PackageType, 14> &all();
+inline constexpr const std::array<PackageType, count> &all()
+{
+    return detail::rows;
+}
 
 // The row whose type key equals key exactly, or nullptr.
 const PackageType *find(const QString &key);
 
 // The types in the order the main window inserts them into its type list.
-std::array<const PackageType *, 14> inListOrder();
+std::array<const PackageType *, count> inListOrder();
 
 } // namespace PackageTypes
 

@@ -19,14 +19,14 @@ int installCertificates(InstallJob *job)
             const QString blankFree = job->files.at(i);
             // Intended: a blank-free copy is made beside the selected file on the stick and
             // removed again below; the certificate folder is fed from the selected file.
-            run(fill("cp \"%1/%2\" \"%3/%4\"", job->dir, selected, job->dir, blankFree));
-            run(fill("cp \"%1/%2\" \"/tmp/config/files/cacerts/%3\"", job->dir, selected,
+            run(fill("cp \"%1\" \"%2\"", sourcePath(*job, selected), sourcePath(*job, blankFree)));
+            run(fill("cp \"%1\" \"%2/cacerts/%3\"", sourcePath(*job, selected), filesDir(),
                      blankFree));
             run(fill("certs install \"%1\"", blankFree));
-            run(fill("rm \"%1/%2\"", job->dir, blankFree));
+            run(fill("rm \"%1\"", sourcePath(*job, blankFree)));
         } else {
             const QString name = job->files.at(i);
-            run(fill("cp \"%1/%2\" \"/tmp/config/files/cacerts/%3\"", job->dir, name, name));
+            run(fill("cp \"%1\" \"%2/cacerts/%3\"", sourcePath(*job, name), filesDir(), name));
             run(fill("certs install \"%1\"", name));
         }
     }

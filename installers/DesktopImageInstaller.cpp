@@ -10,8 +10,6 @@ namespace installers {
 
 namespace {
 
-const QString launchPad = QStringLiteral("/tmp/config/files/launchpad");
-
 // Whether this client is the OS variant marked by /tmp/.mvyx64; every run sets it before it
 // reads it.
 bool osVariant = false;
@@ -76,8 +74,7 @@ void startDesktopForModality(const QString &source)
         if (start.command)
             run(start.command);
         else // Intended: Citrix gets the picture from the stick, not the launch pad copy.
-            run(QStringLiteral("cp \"") + source +
-                QStringLiteral("\" /tmp/config/files/citrix-desktop.jpg"));
+            run(fill("cp \"%1\" %2/citrix-desktop.jpg", source, filesDir()));
         return;
     }
 }
@@ -92,6 +89,7 @@ int installDesktop(InstallJob *job)
         return 0;
     const QString &name = job->files.first();
     const QString source = sourcePath(*job, name);
+    const QString launchPad = filesDir() + QStringLiteral("/launchpad");
     osVariant = QFile::exists(QStringLiteral("/tmp/.mvyx64"));
     qDebug() << "RMF - Installing " << source;
     run(fill("mkdir -p %1", launchPad));
@@ -100,7 +98,7 @@ int installDesktop(InstallJob *job)
     run(fillTwo(QStringLiteral("cp \"") + source + QStringLiteral("\" \"%1/%2\" "), launchPad,
                 name));
     const QString destination = fill("%1/%2", launchPad, name);
-    run(fill("ln -sf \"%1\" /tmp/config/files/desktop_img.jpg", destination));
+    run(fill("ln -sf \"%1\" %2/desktop_img.jpg", destination, filesDir()));
     run(fill("getxmlconfig -w user/system/desktop DESKTOP_IMG \"%1\"", destination));
     const QString digest = pictureDigest(destination);
     if (!digest.isEmpty())
@@ -115,7 +113,7 @@ int installDesktop(InstallJob *job)
     // looked at.
     if (!osVariant)
         startDesktopForModality(source);
-    run("rm -rf /tmp/config/files/desktop-img-*");
+    run(fill("rm -rf %1/desktop-img-*", filesDir()));
     run("freeze");
     return 1;
 }

@@ -11,9 +11,9 @@ int installDisclaimer(InstallJob *job)
     if (job->files.isEmpty())
         return 1;
     // The source path is a bare word: quoted only when the path needs it.
-    run(QStringLiteral("cp ") + shellWord(sourcePath(*job, job->files.first())) +
-        QStringLiteral(" /tmp/config/files/disclaimer.txt"));
-    run("getxmlconfig -wff user/system/desktop DISCLAIMER /tmp/config/files/disclaimer.txt");
+    const QString disclaimer = filesDir() + QStringLiteral("/disclaimer.txt");
+    run(fill("cp %1 %2", shellWord(sourcePath(*job, job->files.first())), disclaimer));
+    run(fill("getxmlconfig -wff user/system/desktop DISCLAIMER %1", disclaimer));
     run("freeze");
     return 1;
 }

@@ -10,7 +10,7 @@ int installUpdate(InstallJob *job)
 {
     if (job->files.size() != 1)
         return 0;
-    run(fill("tar-upgrade \"%1/%2\"", job->dir, job->files.first()));
+    run(fill("tar-upgrade \"%1\"", sourcePath(*job, job->files.first())));
     return 1;
 }
 

@@ -11,8 +11,8 @@ int installIcon(InstallJob *job)
     if (job->files.size() != 1)
         return 0;
     runAll({
-        QStringLiteral("mkdir -p /tmp/config/files/icons/"),
-        fill("cp \"%1/%2\" /tmp/config/files/icons/", job->dir, job->files.first()),
+        fill("mkdir -p %1/icons/", filesDir()),
+        fill("cp \"%1\" %2/icons/", sourcePath(*job, job->files.first()), filesDir()),
         QStringLiteral("sleep 1"),
     });
     return 1;

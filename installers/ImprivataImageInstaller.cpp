@@ -57,9 +57,9 @@ int installImprivataImage(InstallJob *job, int kind)
     if (job->files.size() != 1 || !names)
         return 0;
     const QString &name = job->files.first();
-    const QString destination = QStringLiteral("/tmp/config/files/") + name;
+    const QString destination = fill("%1/%2", filesDir(), name);
     // The destination is a bare word: quoted only when the name needs it.
-    run(fill("cp \"%1/%2\" %3", job->dir, name, shellWord(destination)));
+    run(fill("cp \"%1\" %2", sourcePath(*job, name), shellWord(destination)));
 
     if (DaxRegistry::isLegacyMode()) {
         writeLegacy(*names, destination);

@@ -1,6 +1,8 @@
 #ifndef INSTALLERSUPPORT_H
 #define INSTALLERSUPPORT_H
 
+#include "ClientPaths.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -10,6 +12,8 @@ struct InstallJob;
 
 // What the installer routines share: command templates, source paths, running commands.
 namespace installers {
+
+using clientpaths::filesDir;
 
 // Fills the numbered placeholders %1, %2, ... of a command template in one pass, so a "%1"
 // that a value brings along stays as it is.

@@ -12,13 +12,13 @@ int installOpenVpn(InstallJob *job)
     if (job->files.size() != 1)
         return 0;
     const QString &name = job->files.first();
+    const QString folder = filesDir() + QStringLiteral("/openvpn/client");
     runAll({
-        QStringLiteral("mkdir -p /tmp/config/files/openvpn/client"),
+        fill("mkdir -p %1", folder),
         QStringLiteral("mkdir -p /etc/openvpn/client"),
-        fill("cp \"%1/%2\" /tmp/config/files/openvpn/client", job->dir, name),
+        fill("cp \"%1\" %2", sourcePath(*job, name), folder),
         // The link target is a bare word: quoted only when the name needs it.
-        fill("ln -s %1 /etc/openvpn/client",
-             shellWord(QStringLiteral("/tmp/config/files/openvpn/client/") + name)),
+        fill("ln -s %1 /etc/openvpn/client", shellWord(folder + QLatin1Char('/') + name)),
         // Intended: the converter runs on in the background; the one-second wait is all the
         // synchronisation there is.
         QStringLiteral("ovpn2xml &"),

@@ -15,9 +15,9 @@ int installPrinterDrivers(InstallJob *job)
     // QFile::copy never overwrites: a driver already installed under the same name is kept.
     for (int i = 0; i < job->files.size(); ++i) {
         const QString &name = job->files.at(i);
-        QFile::copy(sourcePath(*job, name), fill("/tmp/config/files/ppd/%1", name));
+        QFile::copy(sourcePath(*job, name), fill("%1/ppd/%2", filesDir(), name));
     }
-    run("ppddb /tmp/config/files/ppd /tmp/config/files/printdrivers.db");
+    run(fill("ppddb %1/ppd %1/printdrivers.db", filesDir()));
     run("freeze");
     return 1;
 }

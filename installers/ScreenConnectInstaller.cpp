@@ -14,7 +14,7 @@ int installScreenConnect(InstallJob *job)
         return 1;
     const QString &name = job->files.first();
     // QFile::copy never overwrites: a package installed earlier is kept.
-    QFile::copy(sourcePath(*job, name), fill("/tmp/config/files/%1", name));
+    QFile::copy(sourcePath(*job, name), fill("%1/%2", filesDir(), name));
     run("rm -r /boot/screenconnect*");
     run("rm -r /boot/*.deb");
     run("freeze");

@@ -12,11 +12,10 @@ namespace installers {
 // overwrites, so a picture of the same name already there stays as it was.
 int installScreensaver(InstallJob *job)
 {
-    const QString folder = QStringLiteral("config/files/screensaver");
-    QDir tmp(QStringLiteral("/tmp"));
-    tmp.mkpath(folder);
+    const QString folder = filesDir() + QStringLiteral("/screensaver");
+    QDir().mkpath(folder);
     for (const QString &name : qAsConst(job->files))
-        QFile::copy(sourcePath(*job, name), fill("%1/%2/%3", tmp.absolutePath(), folder, name));
+        QFile::copy(sourcePath(*job, name), fill("%1/%2", folder, name));
     run("freeze");
     return 1;
 }

@@ -12,19 +12,20 @@ int installWallpaper(InstallJob *job)
     if (job->files.size() != 1)
         return 0;
     const QString &name = job->files.first();
+    const QString folder = filesDir() + QStringLiteral("/wallpapers");
+    const QString current = filesDir() + QStringLiteral("/default_wp");
     runAll({
-        QStringLiteral("rm /tmp/config/files/default_wp"),
-        QStringLiteral("mkdir -p /tmp/config/files/wallpapers/"),
-        fill("cp \"%1/%2\" /tmp/config/files/wallpapers/", job->dir, name),
-        fill("ln -sf \"/tmp/config/files/wallpapers/%1\" /tmp/config/files/default_wp", name),
-        fill("getxmlconfig -w user/system/desktop WALLPAPER \"/tmp/config/files/wallpapers/%1\"",
-             name),
+        fill("rm %1", current),
+        fill("mkdir -p %1/", folder),
+        fill("cp \"%1\" %2/", sourcePath(*job, name), folder),
+        fill("ln -sf \"%1/%2\" %3", folder, name, current),
+        fill("getxmlconfig -w user/system/desktop WALLPAPER \"%1/%2\"", folder, name),
         QStringLiteral("rm -rf /var/cache/wallpaper"),
         QStringLiteral("sync"),
-        QStringLiteral("setwp /tmp/config/files/default_wp"),
+        fill("setwp %1", current),
     });
     // Read through the link: the digest is that of the installed copy.
-    const QString digest = pictureDigest(QStringLiteral("/tmp/config/files/default_wp"));
+    const QString digest = pictureDigest(current);
     if (!digest.isEmpty())
         run(fill("getxmlconfig -w user/system/desktop WP_MD5 %1", digest));
     return 1;

@@ -1,5 +1,6 @@
 #include "SecConfig.h"
 
+#include "ClientPaths.h"
 #include "DaxProperties.h"
 #include "DaxSystem.h"
 
@@ -10,7 +11,10 @@
 namespace {
 
 const char *const storePath = "system/sec.cfg";
-const char *const hashFile = "/tmp/config/files/.passwd";
+QString hashFile()
+{
+    return clientpaths::filesDir() + QStringLiteral("/.passwd");
+}
 
 } // namespace
 
@@ -65,9 +69,9 @@ bool SecConfig::setRootPassword(const QString &newPassword)
         isProtected = true;
     if (!isProtected) {
         DaxSystem::execShell(QStringLiteral("echo root:k9dwibblexo | chpasswd"));
-        return QFile::remove(QString::fromLatin1(hashFile));
+        return QFile::remove(hashFile());
     }
-    QFile file(QString::fromLatin1(hashFile));
+    QFile file(hashFile());
     if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Text))
         return false;
     if (!newPassword.isEmpty())
