@@ -4,32 +4,128 @@
 #include "StickEntry.h"
 
 #include <QDir>
-#include <QFileInfo>
+#include <QFile>
+#include <QRegularExpression>
 
-RcList::RcList(const QString &dir) : dir(dir) {}
+#include <algorithm>
+#include <dirent.h>
+#include <optional>
+#include <vector>
 
-bool RcList::scan(const QString &type, const QStringList &patterns)
+namespace {
+
+// One entry of the stick's directory as the listing found it, judged when a pattern first
+// matches it.
+struct ListedEntry
+{
+    QString name;
+    StickDirectory::Kind kind;
+    std::optional<StickEntry> verdict;
+    bool reported = false;
+};
+
+// A name as the toolkit's directory listing gives it, or nothing for a name it leaves out
+// because its bytes do not survive decoding and encoding again. The listing decodes whole
+// paths, so a byte order mark at the start of a name is kept as a character: hence the '/'.
+std::optional<QString> decodedName(const char *bytes)
+{
+    const QByteArray name = QByteArray::fromRawData(bytes, static_cast<int>(qstrlen(bytes)));
+    const bool ascii = std::all_of(name.cbegin(), name.cend(),
+                                   [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+    if (ascii)
+        return QString::fromLatin1(name);
+    const QString text = QFile::decodeName('/' + name).mid(1);
+    if (QFile::encodeName(text) != name)
+        return std::nullopt;
+    return text;
+}
+
+StickDirectory::Kind kindOf(unsigned char type)
+{
+    switch (type) {
+    case DT_REG:
+        return StickDirectory::Kind::File;
+    case DT_DIR:
+        return StickDirectory::Kind::Folder;
+    case DT_LNK:
+    case DT_UNKNOWN:
+        return StickDirectory::Kind::Unknown;
+    default:
+        return StickDirectory::Kind::Other;
+    }
+}
+
+// What the toolkit's listing of dir with every kind of entry but hidden ones gives, name
+// filters aside, sorted by name with case. Nothing when dir does not exist.
+std::optional<std::vector<ListedEntry>> listStick(const QString &dir)
 {
     const QDir directory(dir);
     if (!directory.exists())
-        return false;
+        return std::nullopt;
+    std::vector<ListedEntry> entries;
+    DIR *listing = opendir(QFile::encodeName(directory.path()).constData());
+    if (!listing)
+        return entries;
+    while (const dirent *entry = readdir(listing)) {
+        if (entry->d_name[0] == '.')
+            continue;
+        if (std::optional<QString> name = decodedName(entry->d_name))
+            entries.push_back({std::move(*name), kindOf(entry->d_type), std::nullopt});
+    }
+    closedir(listing);
+    std::sort(entries.begin(), entries.end(),
+              [](const ListedEntry &a, const ListedEntry &b) { return a.name < b.name; });
+    return entries;
+}
 
-    // Every entry, so that the rule of what is offered is decided in one place.
-    const StickDirectory stick(dir);
-    const QFileInfoList listing = directory.entryInfoList(
-        patterns, QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot, QDir::Name);
-    for (const QFileInfo &info : listing) {
-        const StickEntry entry = stick.classify(info);
-        if (entry.offered()) {
-            entries.append({type, info.fileName()});
-        } else if (entry.worthReporting() && !reported.contains(info.fileName())) {
-            reported.insert(info.fileName());
-            qCDebug(lcStick) << info.fileName()
-                             << "is not offered:" << qUtf8Printable(entry.reason());
+// One name pattern, matched as the toolkit's name filters match it: the whole name, ignoring
+// case. The two shapes the table uses, "*.suffix" and a plain name, are compared directly.
+class NamePattern
+{
+public:
+    explicit NamePattern(const QString &pattern)
+    {
+        static const QRegularExpression wildcard(QStringLiteral(R"([*?\[\]])"));
+        if (!pattern.contains(wildcard)) {
+            shape = Whole;
+            text = pattern;
+        } else if (pattern.startsWith(QLatin1Char('*')) && !pattern.mid(1).contains(wildcard)) {
+            shape = Suffix;
+            text = pattern.mid(1);
+        } else {
+            expression.setPattern(QRegularExpression::wildcardToRegularExpression(pattern));
+            expression.setPatternOptions(QRegularExpression::CaseInsensitiveOption);
         }
     }
-    return true;
+
+    bool matches(const QString &name) const
+    {
+        switch (shape) {
+        case Whole:
+            return name.compare(text, Qt::CaseInsensitive) == 0;
+        case Suffix:
+            return name.endsWith(text, Qt::CaseInsensitive);
+        case Other:
+            break;
+        }
+        return expression.match(name).hasMatch();
+    }
+
+private:
+    enum Shape { Whole, Suffix, Other } shape = Other;
+    QString text;
+    QRegularExpression expression;
+};
+
+bool matchesAny(const std::vector<NamePattern> &patterns, const QString &name)
+{
+    return std::any_of(patterns.begin(), patterns.end(),
+                       [&name](const NamePattern &pattern) { return pattern.matches(name); });
 }
+
+} // namespace
+
+RcList::RcList(const QString &dir) : dir(dir) {}
 
 bool RcList::hasType(const QString &type) const
 {
@@ -50,8 +146,30 @@ QStringList RcList::filesOfType(const QString &type) const
     return files;
 }
 
-void scanEveryType(RcList &list)
+bool scanEveryType(RcList &list)
 {
-    for (const PackageType &type : PackageTypes::all())
-        list.scan(type.typeKey(), type.patternList());
+    std::optional<std::vector<ListedEntry>> listing = listStick(list.dir);
+    if (!listing)
+        return false;
+    const StickDirectory stick(list.dir);
+    for (const PackageType &type : PackageTypes::all()) {
+        const QString key = type.typeKey();
+        std::vector<NamePattern> patterns;
+        for (const QString &pattern : type.patternList())
+            patterns.emplace_back(pattern);
+        for (ListedEntry &entry : *listing) {
+            if (!matchesAny(patterns, entry.name))
+                continue;
+            if (!entry.verdict)
+                entry.verdict = stick.classify(entry.name, entry.kind);
+            if (entry.verdict->offered()) {
+                list.entries.append({key, entry.name});
+            } else if (entry.verdict->worthReporting() && !entry.reported) {
+                entry.reported = true;
+                qCDebug(lcStick) << entry.name
+                                 << "is not offered:" << qUtf8Printable(entry.verdict->reason());
+            }
+        }
+    }
+    return true;
 }

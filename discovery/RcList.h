@@ -2,7 +2,6 @@
 #define RCLIST_H
 
 #include <QList>
-#include <QSet>
 #include <QString>
 #include <QStringList>
 
@@ -19,19 +18,19 @@ class RcList
 public:
     explicit RcList(const QString &dir);
 
-    // Appends one entry per file of dir matching patterns; false when dir does not exist.
-    bool scan(const QString &type, const QStringList &patterns);
     bool hasType(const QString &type) const;
     QStringList filesOfType(const QString &type) const;
 
     QString dir;
     QList<RcEntry> entries;
-
-private:
-    QSet<QString> reported; // names skipped with a debug line: one line per file, not per type
 };
 
-// Scans list's directory once per package type, in the table's scan order, as start-up does.
-void scanEveryType(RcList &list);
+// The scan of start-up. Lists list's directory once and appends, type by type in the table's
+// scan order, every entry the type's patterns match (ignoring case) that StickDirectory
+// offers, sorted by name with case; no subdirectory's content, no name that is not valid in the
+// file system's encoding. An entry that matches and is not offered gets one debug line saying
+// why, however many types match it (hidden files and folders none). The result is that of one
+// listing per type; only the directory is read once. False when the directory does not exist.
+bool scanEveryType(RcList &list);
 
 #endif

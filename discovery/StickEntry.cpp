@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <optional>
 #include <sys/stat.h>
 
 Q_LOGGING_CATEGORY(lcStick, "usbi.stick")
@@ -41,6 +42,19 @@ QByteArray resolvedPath(const QString &path, int *error = nullptr)
     QByteArray result(resolved);
     std::free(resolved);
     return result;
+}
+
+// The verdict the name alone gives once hidden files and folders are set aside; nothing when
+// the name may be offered.
+std::optional<StickEntry> refusedName(const QString &name, bool link)
+{
+    // A leading '-' would reach a client tool as an option: certs install "-x.crt".
+    if (name.startsWith(QLatin1Char('-')))
+        return judged(StickEntry::Verdict::RefusedName, link, QStringLiteral("-"));
+    const QChar unsafe = shellUnsafeCharacter(name);
+    if (!unsafe.isNull())
+        return judged(StickEntry::Verdict::RefusedName, link, QString(unsafe));
+    return std::nullopt;
 }
 
 } // namespace
@@ -109,7 +123,9 @@ StickDirectory::StickDirectory(const QString &mountDir) : m_dir(mountDir)
 
 StickEntry StickDirectory::classify(const QString &name) const
 {
-    return classify(QFileInfo(QDir(m_dir).filePath(name)));
+    // Joined by hand: QDir::filePath() takes a name beginning with ':' for a resource path and
+    // returns it alone, which would judge something else than the stick's entry.
+    return classify(QFileInfo(QDir(m_dir).path() + QLatin1Char('/') + name));
 }
 
 StickEntry StickDirectory::classify(const QFileInfo &entry) const
@@ -121,15 +137,25 @@ StickEntry StickDirectory::classify(const QFileInfo &entry) const
         return judged(V::Hidden, link);
     if (!link && entry.isDir())
         return judged(V::Folder, link);
-    // A leading '-' would reach a client tool as an option: certs install "-x.crt".
-    if (name.startsWith(QLatin1Char('-')))
-        return judged(V::RefusedName, link, QStringLiteral("-"));
-    const QChar unsafe = shellUnsafeCharacter(name);
-    if (!unsafe.isNull())
-        return judged(V::RefusedName, link, QString(unsafe));
+    if (const std::optional<StickEntry> refused = refusedName(name, link))
+        return *refused;
     if (link)
         return followLink(entry);
     return judged(entry.isFile() ? V::Offered : V::NotAFile, link);
+}
+
+StickEntry StickDirectory::classify(const QString &name, Kind kind) const
+{
+    using V = StickEntry::Verdict;
+    if (kind == Kind::Unknown)
+        return classify(name);
+    if (name.startsWith(QLatin1Char('.')))
+        return judged(V::Hidden, false);
+    if (kind == Kind::Folder)
+        return judged(V::Folder, false);
+    if (const std::optional<StickEntry> refused = refusedName(name, false))
+        return *refused;
+    return judged(kind == Kind::File ? V::Offered : V::NotAFile, false);
 }
 
 // A link is as good as its final target, and only while that target is a regular file on the

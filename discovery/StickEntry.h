@@ -49,12 +49,20 @@ QChar shellUnsafeCharacter(const QString &text);
 class StickDirectory
 {
 public:
+    // What reading the directory tells of an entry without looking at it further: a regular
+    // file, a folder, anything else that is not a link, or a link (or a file system that does
+    // not say).
+    enum class Kind { File, Folder, Other, Unknown };
+
     explicit StickDirectory(const QString &mountDir);
 
     StickEntry classify(const QString &name) const;
     // The same for an entry a listing of the mount directory returned, reusing what the
     // listing already knows of it.
     StickEntry classify(const QFileInfo &entry) const;
+    // The same for an entry read from the directory itself: only a link, or an entry of
+    // unknown kind, needs a further look at the disk.
+    StickEntry classify(const QString &name, Kind kind) const;
 
 private:
     StickEntry followLink(const QFileInfo &entry) const;

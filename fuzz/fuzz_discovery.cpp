@@ -2,8 +2,10 @@
 // directory, the stick (names with any bytes but '/' and NUL, regular files, hidden files,
 // subdirectories, links to files, to directories, to links, to a device and to nothing, link
 // loops, links to a file beside the stick by absolute path and through "..", FIFOs, hard
-// links); the fourteen scans of start-up run on it, and what RcList offers is checked against
-// the directory as POSIX readdir/lstat/stat/realpath and fnmatch see it. Any violation aborts.
+// links); the scan of start-up runs on it, and what RcList offers is checked against the
+// directory as POSIX readdir/lstat/stat/realpath and fnmatch see it, and against fourteen
+// listings of the toolkit's own, one per type, which the scan's single listing must reproduce
+// exactly. Any violation aborts.
 //
 // Input format: a sequence of records, read until the input ends or kMaxEntries were made:
 //   kind byte, suffix byte, target byte, length byte, then up to length name bytes.
@@ -33,16 +35,24 @@
 //  - Refused names: no name holding $ ` ; & | < > " \ CR or LF, or beginning with '-', is ever
 //    offered.
 //  - Completeness: every valid, eligible, matching, harmless name is offered.
-//  - Debug lines: the fourteen scans together write exactly one line per entry that matches a
-//    pattern and is not offered, however many types match it, except hidden files and folders.
+//  - Debug lines: the scan writes exactly one line per entry that matches a pattern and is not
+//    offered, however many types match it, except hidden files and folders.
 //  - The list as a whole: entries grouped by type in scan order; hasType agrees with
-//    filesOfType; every scan returns true.
+//    filesOfType; the scan returns true.
+//  - The oracle: the entries and the debug lines, in order, are those of fourteen separate
+//    listings with the toolkit's QDir (name filters, every kind of entry, QDir::Name), one per
+//    type, each entry judged by StickDirectory.
 
 #include "PackageTypes.h"
 #include "RcList.h"
+#include "StickEntry.h"
 
 #include <QByteArray>
+#include <QDir>
+#include <QFileInfo>
+#include <QSet>
 #include <QString>
+#include <QStringList>
 #include <QtGlobal>
 
 #include <algorithm>
@@ -66,13 +76,13 @@ namespace {
 
 constexpr size_t kMaxEntries = 64;
 
-// Debug lines written by the scan in progress; they are counted, not printed.
-int debugLines = 0;
+// Debug lines written by the scan in progress; they are kept, not printed.
+QStringList debugLines;
 
-void countDebugLines(QtMsgType type, const QMessageLogContext &, const QString &message)
+void keepDebugLines(QtMsgType type, const QMessageLogContext &, const QString &message)
 {
     if (type == QtDebugMsg) {
-        ++debugLines;
+        debugLines.append(message);
         return;
     }
     std::fprintf(stderr, "%s\n", qPrintable(message));
@@ -369,6 +379,51 @@ void checkInvariants(const std::string &path, const RcList &list, int skipLines)
              std::to_string(skipLines) + " lines, " + std::to_string(skipped) + " files");
 }
 
+// The scan as fourteen separate listings of the toolkit's, one per type, each entry judged by
+// StickDirectory: what the single listing must reproduce, entries and debug lines alike.
+RcList listedPerType(const QString &dir)
+{
+    RcList list(dir);
+    const StickDirectory stick(dir);
+    QSet<QString> reported;
+    for (const PackageType &type : PackageTypes::all()) {
+        const QFileInfoList listing = QDir(dir).entryInfoList(
+            type.patternList(), QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot, QDir::Name);
+        for (const QFileInfo &info : listing) {
+            const StickEntry entry = stick.classify(info);
+            if (entry.offered()) {
+                list.entries.append({type.typeKey(), info.fileName()});
+            } else if (entry.worthReporting() && !reported.contains(info.fileName())) {
+                reported.insert(info.fileName());
+                qCDebug(lcStick) << info.fileName()
+                                 << "is not offered:" << qUtf8Printable(entry.reason());
+            }
+        }
+    }
+    return list;
+}
+
+void checkAgainstOracle(const RcList &list, const QStringList &lines)
+{
+    debugLines.clear();
+    const RcList expected = listedPerType(list.dir);
+    const int count = std::max(list.entries.size(), expected.entries.size());
+    for (int i = 0; i < count; ++i) {
+        const RcEntry got = list.entries.value(i);
+        const RcEntry want = expected.entries.value(i);
+        if (got.type != want.type || got.file != want.file)
+            fail("the scan differs from fourteen listings", want.type.toStdString(),
+                 "entry " + std::to_string(i) + ": " + hex16(got.file.toStdU16String()) +
+                     "instead of " + hex16(want.file.toStdU16String()));
+    }
+    for (int i = 0; i < std::max(lines.size(), debugLines.size()); ++i) {
+        if (lines.value(i) != debugLines.value(i))
+            fail("the debug lines differ from fourteen listings'", "-",
+                 "line " + std::to_string(i) + ": " + lines.value(i).toStdString() +
+                     " instead of " + debugLines.value(i).toStdString());
+    }
+}
+
 // Reads the input record by record and makes the directory's contents.
 class Builder
 {
@@ -485,7 +540,7 @@ std::string makeTemporaryDirectory()
 
 extern "C" int LLVMFuzzerInitialize(int *, char ***)
 {
-    qInstallMessageHandler(countDebugLines);
+    qInstallMessageHandler(keepDebugLines);
     return 0;
 }
 
@@ -500,12 +555,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     Builder(data, size, dir, outside).build();
 
     RcList list(QString::fromStdString(dir));
-    debugLines = 0;
-    for (const PackageType &type : PackageTypes::all()) {
-        if (!list.scan(type.typeKey(), type.patternList()))
-            fail("scan of an existing directory returned false", type.key, dir);
-    }
-    checkInvariants(dir, list, debugLines);
+    debugLines.clear();
+    if (!scanEveryType(list))
+        fail("scan of an existing directory returned false", "-", dir);
+    const QStringList lines = debugLines;
+    checkInvariants(dir, list, lines.size());
+    checkAgainstOracle(list, lines);
 
     nftw(base.c_str(), removeEntry, 16, FTW_DEPTH | FTW_PHYS);
     return 0;

@@ -69,8 +69,7 @@ void recordWarnings(QtMsgType type, const QMessageLogContext &context, const QSt
 std::unique_ptr<RcList> scanStick(const QStringList &files)
 {
     auto list = std::make_unique<RcList>(simclient::makeStick(files));
-    for (const PackageType &type : PackageTypes::all())
-        list->scan(type.typeKey(), type.patternList());
+    scanEveryType(*list);
     return list;
 }
 
