@@ -18,8 +18,8 @@ namespace {
 
 const int waitMs = 30000;
 
-// The terminal-password prompt. Exit code 1 means the user passed it: this inverted convention
-// is intended. On refusal every prompt is stopped.
+// The terminal-password prompt. Exit code 1 means the user passed it (the prompt's own,
+// inverted convention). On refusal every prompt is stopped.
 bool passesTerminalPassword()
 {
     QProcess prompt;

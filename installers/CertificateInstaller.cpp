@@ -14,11 +14,11 @@ int installCertificates(InstallJob *job)
         qDebug() << " RMF - cert " << job->files.at(i);
         if (job->files.at(i).contains(QLatin1Char(' '))) {
             const QString selected = job->files.at(i);
-            // Intended: the blank-free name is written back into the job.
+            // The blank-free name is written back into the job.
             job->files[i].remove(QLatin1Char(' '));
             const QString blankFree = job->files.at(i);
-            // Intended: a blank-free copy is made beside the selected file on the stick and
-            // removed again below; the certificate folder is fed from the selected file.
+            // A blank-free copy is made beside the selected file on the stick and removed again
+            // below; the certificate folder is fed from the selected file.
             run(fill("cp \"%1\" \"%2\"", sourcePath(*job, selected), sourcePath(*job, blankFree)));
             run(fill("cp \"%1\" \"%2/cacerts/%3\"", sourcePath(*job, selected), filesDir(),
                      blankFree));

@@ -73,7 +73,7 @@ void startDesktopForModality(const QString &source)
             continue;
         if (start.command)
             run(start.command);
-        else // Intended: Citrix gets the picture from the stick, not the launch pad copy.
+        else // Citrix gets the picture from the stick, not the launch pad copy.
             run(fill("cp \"%1\" %2/citrix-desktop.jpg", source, filesDir()));
         return;
     }
@@ -93,7 +93,7 @@ int installDesktop(InstallJob *job)
     osVariant = QFile::exists(QStringLiteral("/tmp/.mvyx64"));
     qDebug() << "RMF - Installing " << source;
     run(fill("mkdir -p %1", launchPad));
-    // Intended: the source path is spliced in before the placeholders are filled, so a "%1" or
+    // The source path is spliced in before the placeholders are filled, so a "%1" or
     // "%2" in it is filled as well.
     run(fillTwo(QStringLiteral("cp \"") + source + QStringLiteral("\" \"%1/%2\" "), launchPad,
                 name));
@@ -109,7 +109,7 @@ int installDesktop(InstallJob *job)
         QStringLiteral("killall rdp-desktop"),
         QStringLiteral("killall rdp2x-desktop"),
     });
-    // Intended: on the marked OS variant no desktop is started again and the modality is not
+    // On the marked OS variant no desktop is started again and the modality is not
     // looked at.
     if (!osVariant)
         startDesktopForModality(source);

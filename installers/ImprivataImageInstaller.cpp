@@ -50,7 +50,7 @@ void writeLegacy(const ImageKind &kind, const QString &destination)
 } // namespace
 
 // Copies one picture into the files folder and points the Imprivata client's configuration at
-// it. Never freezes, in either mode: intended.
+// it. Never freezes, in either mode.
 int installImprivataImage(InstallJob *job, int kind)
 {
     const ImageKind *names = findKind(kind);

@@ -19,7 +19,7 @@ int installOpenVpn(InstallJob *job)
         fill("cp \"%1\" %2", sourcePath(*job, name), folder),
         // The link target is a bare word: quoted only when the name needs it.
         fill("ln -s %1 /etc/openvpn/client", shellWord(folder + QLatin1Char('/') + name)),
-        // Intended: the converter runs on in the background; the one-second wait is all the
+        // The converter runs on in the background; the one-second wait is all the
         // synchronisation there is.
         QStringLiteral("ovpn2xml &"),
         QStringLiteral("sleep 1"),

@@ -10,7 +10,7 @@ namespace installers {
 
 int installPrinterDrivers(InstallJob *job)
 {
-    // Intended: the absolute path makes /config/files/ppd at the root, not the driver folder.
+    // The absolute path makes /config/files/ppd at the root, not the driver folder.
     QDir(QStringLiteral("/tmp")).mkpath(QStringLiteral("/config/files/ppd"));
     // QFile::copy never overwrites: a driver already installed under the same name is kept.
     for (int i = 0; i < job->files.size(); ++i) {

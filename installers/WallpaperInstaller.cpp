@@ -5,8 +5,7 @@
 
 namespace installers {
 
-// Installs exactly one picture as the default wallpaper and shows it at once. No freeze: this
-// is intended.
+// Installs exactly one picture as the default wallpaper and shows it at once; no freeze.
 int installWallpaper(InstallJob *job)
 {
     if (job->files.size() != 1)

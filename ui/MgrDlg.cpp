@@ -85,8 +85,8 @@ void MgrDlg::fillMulti()
         if (ui->twMulti->rowCount() <= i)
             ui->twMulti->insertRow(i);
         ui->twMulti->setItem(i, 0, new QTableWidgetItem(currentFiles.at(i)));
-        // Placed by index right after the item, although the sorting table may have moved the
-        // item already: intended.
+        // Placed by index right after the item, although the sorting table may already have
+        // moved the item to another row.
         auto *box = new QCheckBox;
         box->setChecked(true);
         ui->twMulti->setCellWidget(i, 1, box);

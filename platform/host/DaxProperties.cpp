@@ -1,9 +1,9 @@
 #include "DaxProperties.h"
 
+#include "HostLog.h"
 #include "HostPaths.h"
 #include "SecretBox.h"
 
-#include <QDebug>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -120,7 +120,7 @@ bool DaxProperties::Load()
 {
     const QString fileName = hostpaths::storeFile(path());
     if (fileName.isEmpty()) {
-        qDebug() << "not a configuration path:" << path();
+        qCDebug(lcHostPlatform) << "not a configuration path:" << path();
         return false;
     }
     QFile file(fileName);
@@ -129,7 +129,8 @@ bool DaxProperties::Load()
         return false;
     }
     if (!file.open(QIODevice::ReadOnly)) {
-        qDebug() << "cannot read configuration store" << fileName << ":" << file.errorString();
+        qCDebug(lcHostPlatform) << "cannot read configuration store" << fileName << ":"
+                                << file.errorString();
         m_unreadableStore = true;
         return false;
     }
@@ -137,7 +138,7 @@ bool DaxProperties::Load()
     QString reason;
     // An empty file is a store without keys, not a damaged one.
     if (file.size() > 0 && !parseStore(&file, &entries, &reason)) {
-        qDebug() << "malformed configuration store" << fileName << ":" << reason;
+        qCDebug(lcHostPlatform) << "malformed configuration store" << fileName << ":" << reason;
         m_unreadableStore = true;
         return false;
     }
@@ -156,28 +157,29 @@ bool DaxProperties::Save()
 {
     const QString fileName = hostpaths::storeFile(path());
     if (fileName.isEmpty()) {
-        qDebug() << "not a configuration path:" << path();
+        qCDebug(lcHostPlatform) << "not a configuration path:" << path();
         return false;
     }
     if (m_unreadableStore) {
-        qDebug() << "not replacing unreadable configuration store" << fileName;
+        qCDebug(lcHostPlatform) << "not replacing unreadable configuration store" << fileName;
         return false;
     }
     for (auto it = m_values.cbegin(); it != m_values.cend(); ++it) {
         if (!isXmlText(it.key()) || !isXmlText(it->text)) {
-            qDebug() << "cannot store key" << it.key() << "in" << fileName
-                     << ": it holds a control character";
+            qCDebug(lcHostPlatform) << "cannot store key" << it.key() << "in" << fileName
+                                    << ": it holds a control character";
             return false;
         }
     }
     const QString dir = QFileInfo(fileName).absolutePath();
     if (!QDir().mkpath(dir)) {
-        qDebug() << "cannot create" << dir;
+        qCDebug(lcHostPlatform) << "cannot create" << dir;
         return false;
     }
     QSaveFile file(fileName);
     if (!file.open(QIODevice::WriteOnly)) {
-        qDebug() << "cannot write configuration store" << fileName << ":" << file.errorString();
+        qCDebug(lcHostPlatform) << "cannot write configuration store" << fileName << ":"
+                                << file.errorString();
         return false;
     }
     QXmlStreamWriter writer(&file);
@@ -196,7 +198,8 @@ bool DaxProperties::Save()
     writer.writeEndDocument();
     file.write("\n", 1);
     if (writer.hasError() || !file.commit()) {
-        qDebug() << "cannot write configuration store" << fileName << ":" << file.errorString();
+        qCDebug(lcHostPlatform) << "cannot write configuration store" << fileName << ":"
+                                << file.errorString();
         return false;
     }
     return true;
@@ -236,7 +239,7 @@ QString DaxProperties::getEncryptedString(const QString &key, const QString &def
         return it->text;
     QString clearText;
     if (!secretbox::open(it->text, &clearText)) {
-        qDebug() << "cannot decrypt key" << key << "of configuration path" << path();
+        qCDebug(lcHostPlatform) << "cannot decrypt key" << key << "of configuration path" << path();
         return defaultValue;
     }
     return clearText;
@@ -248,7 +251,8 @@ void DaxProperties::setEncryptedString(const QString &key, const QString &value)
 {
     QString sealedText;
     if (!secretbox::seal(value, &sealedText)) {
-        qDebug() << "key" << key << "of configuration path" << path() << "not changed";
+        qCDebug(lcHostPlatform) << "key" << key << "of configuration path" << path()
+                                << "not changed";
         return;
     }
     m_values.insert(key, {sealedText, true});

@@ -1,7 +1,8 @@
 #include "DaxRegIni.h"
 
+#include "HostLog.h"
+
 #include <QByteArray>
-#include <QDebug>
 #include <QFile>
 #include <QList>
 #include <QSaveFile>
@@ -29,7 +30,7 @@ public:
         if (!file.exists())
             return true;
         if (!file.open(QIODevice::ReadOnly)) {
-            qDebug() << "cannot read" << fileName << ":" << file.errorString();
+            qCDebug(lcHostPlatform) << "cannot read" << fileName << ":" << file.errorString();
             return false;
         }
         QByteArray data = file.readAll();
@@ -45,7 +46,7 @@ public:
     {
         QSaveFile file(fileName);
         if (!file.open(QIODevice::WriteOnly)) {
-            qDebug() << "cannot write" << fileName << ":" << file.errorString();
+            qCDebug(lcHostPlatform) << "cannot write" << fileName << ":" << file.errorString();
             return false;
         }
         for (const QByteArray &line : m_lines) {
@@ -53,7 +54,7 @@ public:
             file.write("\n", 1);
         }
         if (!file.commit()) {
-            qDebug() << "cannot write" << fileName << ":" << file.errorString();
+            qCDebug(lcHostPlatform) << "cannot write" << fileName << ":" << file.errorString();
             return false;
         }
         return true;
@@ -121,7 +122,7 @@ bool canReplace(const QString &fileName)
 {
     QSaveFile file(fileName);
     if (!file.open(QIODevice::WriteOnly)) {
-        qDebug() << "cannot write" << fileName << ":" << file.errorString();
+        qCDebug(lcHostPlatform) << "cannot write" << fileName << ":" << file.errorString();
         return false;
     }
     file.cancelWriting();

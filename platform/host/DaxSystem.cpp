@@ -1,7 +1,8 @@
 #include "DaxSystem.h"
 
+#include "HostLog.h"
+
 #include <QByteArray>
-#include <QDebug>
 #include <QFile>
 
 #include <cerrno>
@@ -22,7 +23,8 @@ void appendToShellLog(const QByteArray &line)
         return;
     QFile log(logName);
     if (!log.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered)) {
-        qDebug() << "cannot append to shell log" << logName << ":" << log.errorString();
+        qCDebug(lcHostPlatform) << "cannot append to shell log" << logName << ":"
+                                << log.errorString();
         return;
     }
     log.write(line + '\n');
@@ -57,14 +59,15 @@ int DaxSystem::execShell(const QString &commandLine)
     const int spawnError = posix_spawn(&pid, shell, nullptr, &attributes, argv, environ);
     posix_spawnattr_destroy(&attributes);
     if (spawnError != 0) {
-        qDebug() << "cannot start /bin/sh:" << qt_error_string(spawnError);
+        qCDebug(lcHostPlatform) << "cannot start /bin/sh:" << qt_error_string(spawnError);
         return -1;
     }
 
     int status = 0;
     while (waitpid(pid, &status, 0) < 0) {
         if (errno != EINTR) {
-            qDebug() << "lost the shell of" << commandLine << ":" << qt_error_string(errno);
+            qCDebug(lcHostPlatform)
+                << "lost the shell of" << commandLine << ":" << qt_error_string(errno);
             return -1;
         }
     }

@@ -1,9 +1,9 @@
 #include "SecretBox.h"
 
+#include "HostLog.h"
 #include "HostPaths.h"
 
 #include <QByteArray>
-#include <QDebug>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -97,7 +97,7 @@ bool createKey(const QByteArray &path)
 bool loadKey(Key *key)
 {
     if (!sodiumReady()) {
-        qDebug() << "cannot initialise libsodium";
+        qCDebug(lcHostPlatform) << "cannot initialise libsodium";
         return false;
     }
     const QString file = hostpaths::keyFile();
@@ -106,8 +106,8 @@ bool loadKey(Key *key)
     if (error == ENOENT && createKey(path))
         error = readKey(path, key);
     if (error != 0) {
-        qDebug() << "cannot use the configuration key" << file << ":"
-                 << (error == EINVAL ? "not a key file" : std::strerror(error));
+        qCDebug(lcHostPlatform) << "cannot use the configuration key" << file << ":"
+                                << (error == EINVAL ? "not a key file" : std::strerror(error));
         return false;
     }
     return true;
