@@ -48,7 +48,7 @@ grep -qx freeze "$DAX_SHELL_LOG" || { echo "valgrind run: the disclaimer was not
 # Definite leaks count when their stack passes through the program's own code.
 own=$(awk '/definitely lost in loss record/ {block=1; own=0; alloc=0; next}
            block && / (MgrDlg|InstallerDlg|RcInstaller|RcList|PackageType|installers::|Dax[A-Z][A-Za-z]*::|SecConfig|windowsetup::|dispatch)/ {own=1}
-           block && !alloc && /(at|by) 0x/ {if ($0 !~ /operator new|malloc|calloc|realloc/) {alloc=1; if ($0 ~ / (main|runUsbInstaller)/) own=1}}
+           block && !alloc && /(at|by) 0x/ {if ($0 !~ /operator new|malloc|calloc|realloc/) {alloc=1; if ($0 ~ / main /) own=1}}
            block && /^==[0-9]+== $/ {if (own) n++; block=0}
            END {print n+0}' "$work/memcheck.log")
 [ "$own" -eq 0 ] || { echo "valgrind run: $own definite leak(s) from the program's own code"; exit 1; }
