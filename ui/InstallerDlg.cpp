@@ -22,8 +22,6 @@ InstallerDlg::InstallerDlg(InstallJob *job, installers::Routine routine)
     windowsetup::centre(this);
     windowsetup::setIconAndTitle(this);
 
-    this->job = job;
-    finished = false;
     // No text of its own (the firmware update, bound to "firmware"): "Installing..." stays.
     const QString text = job->type->progressLabel();
     if (!text.isEmpty())

@@ -33,8 +33,7 @@ protected:
 
 private:
     const std::unique_ptr<Ui::InstallerDialog> ui;
-    bool finished;
-    InstallJob *job;
+    bool finished = false;
     RcInstaller installer;
 };
 

@@ -17,14 +17,14 @@
 #include <utility>
 
 MgrDlg::MgrDlg(RcList *list, installers::Routine routine)
-    : QMainWindow(nullptr), ui(std::make_unique<Ui::MainWindow>()), routine(std::move(routine))
+    : QMainWindow(nullptr), ui(std::make_unique<Ui::MainWindow>()), rcList(list),
+      routine(std::move(routine))
 {
     windowsetup::loadIcons();
     ui->setupUi(this);
     ui->lIcon->setPixmap(windowsetup::titleImage());
     setWindowFlags(Qt::Dialog);
     setFixedSize(width(), height());
-    rcList = list;
     setStyleSheet(windowsetup::styleSheet());
     placeWindow();
     fillTypeList();

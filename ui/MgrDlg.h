@@ -42,7 +42,7 @@ private:
     void startInstall();
 
     const std::unique_ptr<Ui::MainWindow> ui;
-    RcList *rcList;
+    RcList *rcList = nullptr;
     installers::Routine routine;
     const PackageType *currentType = nullptr;
     QStringList currentFiles;
