@@ -41,6 +41,7 @@ EOF
 
     shot() { xwd -silent -id "$1" | "$convert" xwd:- "png:$shots/$2"; echo "demo: screenshot $2"; }
     click() { xdotool mousemove --window "$1" "$2" "$3" click 1; }
+    source "$here/scripts/window-points.sh"
     mapped() { xwininfo -id "$1" | grep -q 'Map State: IsViewable'; }
 
     echo "demo: starting usb-installer sim/stick on $DISPLAY"
@@ -52,14 +53,14 @@ EOF
 
     # Pick "Wallpaper" (the last type in the list) and the picture beach.jpg, then Install.
     xdotool windowfocus --sync "$window"
-    click "$window" 60 90             # the type list
+    click "$window" "${type_list[@]}"
     xdotool key End
-    click "$window" 300 90            # the file list of the page
+    click "$window" "${file_list[@]}"
     xdotool type --delay 50 beach
     sleep 0.5
     shot "$window" main-window-wallpaper.png
     echo "demo: installing beach.jpg as the wallpaper"
-    click "$window" 480 325           # Install
+    click "$window" "${install[@]}"
 
     for i in $(seq 300); do
         list=$(xdotool search --onlyvisible --name '^USB Installer$' 2>/dev/null || true)
@@ -75,7 +76,7 @@ EOF
     for i in $(seq 300); do mapped "$window" && break; sleep 0.1; done
     sleep 0.5
     shot "$window" main-window-after.png
-    click "$window" 590 325           # Close
+    click "$window" "${close_button[@]}"
     wait "$program" && echo "demo: usb-installer ended with status 0"
     tar -C "$shots" -cf - . >&3
 }
@@ -100,10 +101,8 @@ case ${1-} in
 esac
 
 cd "$(dirname "$(readlink -f "$0")")"
-scripts/deps.sh
 build=${BUILD_DIR:-build}
-cmake -S . -B "$build" -DCMAKE_BUILD_TYPE=Release
-cmake --build "$build" -j2
+scripts/setup.sh "$build"
 build=$(readlink -f "$build")
 
 as_root=()

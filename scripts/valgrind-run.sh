@@ -13,6 +13,7 @@ if [ "${USBI_SIM:-}" != 1 ]; then
 fi
 
 build=$1
+source scripts/window-points.sh
 work=$(mktemp -d /tmp/valgrind.XXXXXX)
 mkdir -p "$work/stick" -m 0700 "$work/runtime"
 printf 'Authorised use only.\n' >"$work/stick/notice.txt"
@@ -32,12 +33,12 @@ program=$!
 
 window=$(timeout 300 xdotool search --sync --onlyvisible --name '^USB Installer$' | head -n 1)
 # The only type is "Disclaimer", on the single-selection page: press its Install button.
-xdotool mousemove --window "$window" 480 325 click 1
+xdotool mousemove --window "$window" "${install[@]}" click 1
 for _ in $(seq 600); do grep -qx freeze "$DAX_SHELL_LOG" 2>/dev/null && break; sleep 0.1; done
 timeout 300 xdotool search --sync --onlyvisible --name '^USB Installer$' >/dev/null
 sleep 1
 window=$(xdotool search --onlyvisible --name '^USB Installer$' | head -n 1)
-xdotool mousemove --window "$window" 590 325 click 1
+xdotool mousemove --window "$window" "${close_button[@]}" click 1
 
 status=0
 wait "$program" || status=$?
