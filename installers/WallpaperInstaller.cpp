@@ -8,11 +8,11 @@ namespace installers {
 // Installs exactly one picture as the default wallpaper and shows it at once; no freeze.
 int installWallpaper(InstallJob *job)
 {
+    const QString folder = filesDir() + QStringLiteral("/wallpapers");
+    const QString current = filesDir() + QStringLiteral("/default_wp");
     if (job->files.size() != 1)
         return 0;
     const QString &name = job->files.first();
-    const QString folder = filesDir() + QStringLiteral("/wallpapers");
-    const QString current = filesDir() + QStringLiteral("/default_wp");
     runAll({
         fill("rm %1", current),
         fill("mkdir -p %1/", folder),

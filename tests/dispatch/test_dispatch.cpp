@@ -154,13 +154,11 @@ void TestDispatch::threeTickedDriversMakeOneInstallation()
     QCOMPARE(
         simclient::shellLog(),
         (QStringList{"ppddb /tmp/config/files/ppd /tmp/config/files/printdrivers.db", "freeze"}));
-    QCOMPARE(simclient::calls(),
-             (QStringList{"ppddb [/tmp/config/files/ppd] [/tmp/config/files/printdrivers.db]",
-                          "freeze"}));
+    // And all three drivers landed in the driver folder and the database.
     const QStringList database = simclient::printerDatabaseDrivers();
     for (const QString &driver : drivers) {
-        QCOMPARE(simclient::readFile("/tmp/config/files/ppd/" + driver), driver.toUtf8());
-        QVERIFY2(database.contains(driver), qPrintable(driver));
+        const QByteArray copy = simclient::readFile("/tmp/config/files/ppd/" + driver);
+        QVERIFY2(copy == driver.toUtf8() && database.contains(driver), qPrintable(driver));
     }
 }
 

@@ -30,12 +30,10 @@ QString bare(QString text)
 QString digestOf(const QString &path)
 {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    QCryptographicHash hash(QCryptographicHash::Md5);
-    if (!hash.addData(&file))
-        return {};
-    return QString::fromLatin1(hash.result().toHex());
+    return file.open(QIODevice::ReadOnly)
+               ? QString::fromLatin1(
+                     QCryptographicHash::hash(file.readAll(), QCryptographicHash::Md5).toHex())
+               : QString();
 }
 
 // The digest command of a desktop-store key and its getxmlconfig call, when the installed copy
