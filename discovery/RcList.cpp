@@ -78,18 +78,27 @@ std::optional<std::vector<ListedEntry>> listStick(const QString &dir)
     return entries;
 }
 
+bool hasWildcard(QStringView text)
+{
+    return std::any_of(text.begin(), text.end(), [](QChar c) {
+        return c == QLatin1Char('*') || c == QLatin1Char('?') || c == QLatin1Char('[') ||
+               c == QLatin1Char(']');
+    });
+}
+
 // One name pattern, matched as the toolkit's name filters match it: the whole name, ignoring
-// case. The two shapes the table uses, "*.suffix" and a plain name, are compared directly.
+// case. The two shapes the table uses, "*.suffix" and a plain name, are compared directly, so
+// the scan never needs the regular expression engine.
 class NamePattern
 {
 public:
     explicit NamePattern(const QString &pattern)
     {
-        static const QRegularExpression wildcard(QStringLiteral(R"([*?\[\]])"));
-        if (!pattern.contains(wildcard)) {
+        if (!hasWildcard(pattern)) {
             shape = Whole;
             text = pattern;
-        } else if (pattern.startsWith(QLatin1Char('*')) && !pattern.mid(1).contains(wildcard)) {
+        } else if (pattern.startsWith(QLatin1Char('*')) &&
+                   !hasWildcard(QStringView(pattern).mid(1))) {
             shape = Suffix;
             text = pattern.mid(1);
         } else {
