@@ -1,5 +1,6 @@
 #include "Installers.h"
 
+#include "ClientAccess.h"
 #include "InstallJob.h"
 #include "InstallerSupport.h"
 
@@ -7,31 +8,35 @@
 
 namespace installers {
 
-int installCertificates(InstallJob *job)
+int installCertificates(InstallJob *job, ClientAccess &client)
 {
+    const QString folder = filesDir() + QStringLiteral("/cacerts");
     // The length is read again before each file.
     for (int i = 0; i < job->files.size(); ++i) {
         qDebug() << " RMF - cert " << job->files.at(i);
         if (job->files.at(i).contains(QLatin1Char(' '))) {
-            const QString selected = job->files.at(i);
+            const QString selected = sourcePath(*job, job->files.at(i));
             // The blank-free name is written back into the job.
             job->files[i].remove(QLatin1Char(' '));
             const QString blankFree = job->files.at(i);
+            const QString stickCopy = sourcePath(*job, blankFree);
             // A blank-free copy is made beside the selected file on the stick and removed again
             // below; the certificate folder is fed from the selected file.
-            run(fill("cp \"%1\" \"%2\"", sourcePath(*job, selected), sourcePath(*job, blankFree)));
-            run(fill("cp \"%1\" \"%2/cacerts/%3\"", sourcePath(*job, selected), filesDir(),
-                     blankFree));
-            run(fill("certs install \"%1\"", blankFree));
-            run(fill("rm \"%1\"", sourcePath(*job, blankFree)));
+            client.run(fill("cp \"%1\" \"%2\"", selected, stickCopy),
+                       Effect::copies(selected, stickCopy));
+            client.run(fill("cp \"%1\" \"%2/%3\"", selected, folder, blankFree),
+                       Effect::copies(selected, fill("%1/%2", folder, blankFree)));
+            client.run(fill("certs install \"%1\"", blankFree));
+            client.run(fill("rm \"%1\"", stickCopy), Effect::removes(stickCopy));
         } else {
             const QString name = job->files.at(i);
-            run(fill("cp \"%1\" \"%2/cacerts/%3\"", sourcePath(*job, name), filesDir(), name));
-            run(fill("certs install \"%1\"", name));
+            client.run(fill("cp \"%1\" \"%2/%3\"", sourcePath(*job, name), folder, name),
+                       Effect::copies(sourcePath(*job, name), fill("%1/%2", folder, name)));
+            client.run(fill("certs install \"%1\"", name));
         }
     }
-    run("certs register");
-    run("freeze");
+    client.run("certs register");
+    client.run("freeze");
     return 0;
 }
 

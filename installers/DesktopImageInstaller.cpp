@@ -1,18 +1,16 @@
 #include "Installers.h"
 
+#include "ClientAccess.h"
 #include "InstallJob.h"
 #include "InstallerSupport.h"
 
 #include <QDebug>
-#include <QFile>
 
 namespace installers {
 
 namespace {
 
-// Whether this client is the OS variant marked by /tmp/.mvyx64; every run sets it before it
-// reads it.
-bool osVariant = false;
+const QString desktopStore = QStringLiteral("user/system/desktop");
 
 // What the client's modality asks for after the desktops were stopped, first match wins.
 struct ModalityStart
@@ -47,34 +45,25 @@ QString fillTwo(const QString &text, const QString &first, const QString &second
     return result;
 }
 
-// The first line of /boot/modality with its line end, as UTF-8 up to the first zero byte;
-// empty when the file cannot be opened.
-QString modalityText()
+void startDesktopForModality(const QString &source, ClientAccess &client)
 {
-    QFile file(QStringLiteral("/boot/modality"));
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    return QString::fromUtf8(file.readLine().constData());
-}
-
-void startDesktopForModality(const QString &source)
-{
-    if (!QFile::exists(QStringLiteral("/boot/modality"))) {
-        runAll({
-            QStringLiteral("vmw-desktop &"),
-            QStringLiteral("rdp-desktop &"),
-            QStringLiteral("rdp2x-desktop &"),
-        });
+    const std::optional<QString> modality = client.modality();
+    if (!modality) {
+        client.run("vmw-desktop &");
+        client.run("rdp-desktop &");
+        client.run("rdp2x-desktop &");
         return;
     }
-    const QString modality = modalityText();
     for (const ModalityStart &start : modalityStarts) {
-        if (!modality.contains(QLatin1String(start.name)))
+        if (!modality->contains(QLatin1String(start.name)))
             continue;
-        if (start.command)
-            run(start.command);
-        else // Citrix gets the picture from the stick, not the launch pad copy.
-            run(fill("cp \"%1\" %2/citrix-desktop.jpg", source, filesDir()));
+        if (start.command) {
+            client.run(start.command);
+        } else {
+            // Citrix gets the picture from the stick, not the launch pad copy.
+            const QString citrix = filesDir() + QStringLiteral("/citrix-desktop.jpg");
+            client.run(fill("cp \"%1\" %2", source, citrix), Effect::copies(source, citrix));
+        }
         return;
     }
 }
@@ -83,38 +72,41 @@ void startDesktopForModality(const QString &source)
 
 // Installs the first chosen picture as the desktop image and restarts the desktop the client's
 // modality calls for.
-int installDesktop(InstallJob *job)
+int installDesktop(InstallJob *job, ClientAccess &client)
 {
     if (job->files.isEmpty())
         return 0;
     const QString &name = job->files.first();
     const QString source = sourcePath(*job, name);
     const QString launchPad = filesDir() + QStringLiteral("/launchpad");
-    osVariant = QFile::exists(QStringLiteral("/tmp/.mvyx64"));
+    const QString link = filesDir() + QStringLiteral("/desktop_img.jpg");
+    const bool osVariant = client.hasOsVariantMarker();
     qDebug() << "RMF - Installing " << source;
-    run(fill("mkdir -p %1", launchPad));
+    client.run(fill("mkdir -p %1", launchPad), Effect::makesFolder(launchPad));
+    const QString destination = fill("%1/%2", launchPad, name);
     // The source path is spliced in before the placeholders are filled, so a "%1" or
     // "%2" in it is filled as well.
-    run(fillTwo(QStringLiteral("cp \"") + source + QStringLiteral("\" \"%1/%2\" "), launchPad,
-                name));
-    const QString destination = fill("%1/%2", launchPad, name);
-    run(fill("ln -sf \"%1\" %2/desktop_img.jpg", destination, filesDir()));
-    run(fill("getxmlconfig -w user/system/desktop DESKTOP_IMG \"%1\"", destination));
-    const QString digest = pictureDigest(destination);
+    client.run(fillTwo(QStringLiteral("cp \"") + source + QStringLiteral("\" \"%1/%2\" "),
+                       launchPad, name),
+               Effect::copies(fillTwo(source, launchPad, name), destination));
+    client.run(fill("ln -sf \"%1\" %2", destination, link), Effect::links(link, destination));
+    client.run(fill("getxmlconfig -w user/system/desktop DESKTOP_IMG \"%1\"", destination),
+               Effect::setsKey(desktopStore, QStringLiteral("DESKTOP_IMG"), destination));
+    const QString digest = client.digest(destination);
     if (!digest.isEmpty())
-        run(fill("getxmlconfig -w user/system/desktop DESKTOP_MD5 %1", digest));
-    runAll({
-        QStringLiteral("killall vmw-desktop"),
-        QStringLiteral("killall _citrix-desktop"),
-        QStringLiteral("killall rdp-desktop"),
-        QStringLiteral("killall rdp2x-desktop"),
-    });
+        client.run(fill("getxmlconfig -w user/system/desktop DESKTOP_MD5 %1", digest),
+                   Effect::setsKey(desktopStore, QStringLiteral("DESKTOP_MD5"), digest));
+    client.run("killall vmw-desktop");
+    client.run("killall _citrix-desktop");
+    client.run("killall rdp-desktop");
+    client.run("killall rdp2x-desktop");
     // On the marked OS variant no desktop is started again and the modality is not
     // looked at.
     if (!osVariant)
-        startDesktopForModality(source);
-    run(fill("rm -rf %1/desktop-img-*", filesDir()));
-    run("freeze");
+        startDesktopForModality(source, client);
+    const QString oldImages = filesDir() + QStringLiteral("/desktop-img-*");
+    client.run(fill("rm -rf %1", oldImages), Effect::removes(oldImages));
+    client.run("freeze");
     return 1;
 }
 

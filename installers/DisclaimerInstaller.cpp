@@ -1,20 +1,24 @@
 #include "Installers.h"
 
+#include "ClientAccess.h"
 #include "InstallJob.h"
 #include "InstallerSupport.h"
 
 namespace installers {
 
 // Only the first name is used; whatever its name, the file becomes the one disclaimer.txt.
-int installDisclaimer(InstallJob *job)
+int installDisclaimer(InstallJob *job, ClientAccess &client)
 {
     if (job->files.isEmpty())
         return 1;
-    // The source path is a bare word: quoted only when the path needs it.
+    const QString source = sourcePath(*job, job->files.first());
     const QString disclaimer = filesDir() + QStringLiteral("/disclaimer.txt");
-    run(fill("cp %1 %2", shellWord(sourcePath(*job, job->files.first())), disclaimer));
-    run(fill("getxmlconfig -wff user/system/desktop DISCLAIMER %1", disclaimer));
-    run("freeze");
+    // The source path is a bare word: quoted only when the path needs it.
+    client.run(fill("cp %1 %2", shellWord(source), disclaimer), Effect::copies(source, disclaimer));
+    client.run(fill("getxmlconfig -wff user/system/desktop DISCLAIMER %1", disclaimer),
+               Effect::setsKeyFromFile(QStringLiteral("user/system/desktop"),
+                                       QStringLiteral("DISCLAIMER"), disclaimer));
+    client.run("freeze");
     return 1;
 }
 

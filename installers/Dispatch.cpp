@@ -7,35 +7,35 @@
 
 namespace installers {
 
-int dispatch(InstallJob *job)
+int dispatch(InstallJob *job, ClientAccess &client)
 {
     if (!keepOnlyFilesOnTheStick(*job))
         return 0;
     switch (job->type->routine) {
     case InstallerRoutine::PrinterDrivers:
-        return installPrinterDrivers(job);
+        return installPrinterDrivers(job, client);
     case InstallerRoutine::Certificates:
-        return installCertificates(job);
+        return installCertificates(job, client);
     case InstallerRoutine::Update:
-        return installUpdate(job);
+        return installUpdate(job, client);
     case InstallerRoutine::ScreenConnect:
-        return installScreenConnect(job);
+        return installScreenConnect(job, client);
     case InstallerRoutine::Wallpaper:
-        return installWallpaper(job);
+        return installWallpaper(job, client);
     case InstallerRoutine::Icon:
-        return installIcon(job);
+        return installIcon(job, client);
     case InstallerRoutine::Desktop:
-        return installDesktop(job);
+        return installDesktop(job, client);
     case InstallerRoutine::Screensaver:
-        return installScreensaver(job);
+        return installScreensaver(job, client);
     case InstallerRoutine::ImprivataImage:
-        return installImprivataImage(job, job->type->imageKind);
+        return installImprivataImage(job, job->type->imageKind, client);
     case InstallerRoutine::OpenVpn:
-        return installOpenVpn(job);
+        return installOpenVpn(job, client);
     case InstallerRoutine::RdpFile:
-        return installRdpFile(job);
+        return installRdpFile(job, client);
     case InstallerRoutine::Disclaimer:
-        return installDisclaimer(job);
+        return installDisclaimer(job, client);
     }
     return 0;
 }

@@ -3,16 +3,18 @@
 
 #include <functional>
 
+class ClientAccess;
 struct InstallJob;
 
 namespace installers {
 
-// What the installer's worker thread runs for a job; returns the routine's result.
-using Routine = std::function<int(InstallJob *)>;
+// What the installer's worker thread runs for a job, on the client it is given; returns the
+// routine's result.
+using Routine = std::function<int(InstallJob *, ClientAccess &)>;
 
-// Calls the installer routine of the job's package type and returns its result; 0 when every
-// chosen file has become a link off the stick.
-int dispatch(InstallJob *job);
+// Calls the installer routine of the job's package type on client and returns its result; 0 when
+// every chosen file has become a link off the stick.
+int dispatch(InstallJob *job, ClientAccess &client);
 
 } // namespace installers
 

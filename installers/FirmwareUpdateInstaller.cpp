@@ -1,16 +1,17 @@
 #include "Installers.h"
 
+#include "ClientAccess.h"
 #include "InstallJob.h"
 #include "InstallerSupport.h"
 
 namespace installers {
 
 // The archive is upgraded from where it lies on the stick; nothing is made persistent here.
-int installUpdate(InstallJob *job)
+int installUpdate(InstallJob *job, ClientAccess &client)
 {
     if (job->files.size() != 1)
         return 0;
-    run(fill("tar-upgrade \"%1\"", sourcePath(*job, job->files.first())));
+    client.run(fill("tar-upgrade \"%1\"", sourcePath(*job, job->files.first())));
     return 1;
 }
 

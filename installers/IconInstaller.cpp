@@ -1,20 +1,22 @@
 #include "Installers.h"
 
+#include "ClientAccess.h"
 #include "InstallJob.h"
 #include "InstallerSupport.h"
 
 namespace installers {
 
 // The picture keeps its name in the icon folder; no freeze.
-int installIcon(InstallJob *job)
+int installIcon(InstallJob *job, ClientAccess &client)
 {
     if (job->files.size() != 1)
         return 0;
-    runAll({
-        fill("mkdir -p %1/icons/", filesDir()),
-        fill("cp \"%1\" %2/icons/", sourcePath(*job, job->files.first()), filesDir()),
-        QStringLiteral("sleep 1"),
-    });
+    const QString &name = job->files.first();
+    const QString folder = filesDir() + QStringLiteral("/icons/");
+    client.run(fill("mkdir -p %1", folder), Effect::makesFolder(folder));
+    client.run(fill("cp \"%1\" %2", sourcePath(*job, name), folder),
+               Effect::copies(sourcePath(*job, name), folder + name));
+    client.run("sleep 1");
     return 1;
 }
 

@@ -1,8 +1,6 @@
 #include "Installers.h"
 
-#include "DaxProperties.h"
-#include "DaxRegIni.h"
-#include "DaxRegistry.h"
+#include "ClientAccess.h"
 #include "InstallJob.h"
 #include "InstallerSupport.h"
 
@@ -35,23 +33,11 @@ const ImageKind *findKind(int kind)
     return nullptr;
 }
 
-// Legacy clients keep only the path, in the INI registry.
-void writeLegacy(const ImageKind &kind, const QString &destination)
-{
-    DaxRegIni registry;
-    registry.SetIniPath("/tmp/config/sessions.conf");
-    if (registry.OpenKey(QStringLiteral("HKEY_LOCAL_MACHINE"),
-                         QStringLiteral("Software\\Kelto\\Imprivata"), 0x20006) == 0) {
-        registry.SetSz(QLatin1String(kind.pathValue), destination);
-        registry.CloseKey();
-    }
-}
-
 } // namespace
 
 // Copies one picture into the files folder and points the Imprivata client's configuration at
 // it. Never freezes, in either mode.
-int installImprivataImage(InstallJob *job, int kind)
+int installImprivataImage(InstallJob *job, int kind, ClientAccess &client)
 {
     const ImageKind *names = findKind(kind);
     if (job->files.size() != 1 || !names)
@@ -59,24 +45,25 @@ int installImprivataImage(InstallJob *job, int kind)
     const QString &name = job->files.first();
     const QString destination = fill("%1/%2", filesDir(), name);
     // The destination is a bare word: quoted only when the name needs it.
-    run(fill("cp \"%1\" %2", sourcePath(*job, name), shellWord(destination)));
+    client.run(fill("cp \"%1\" %2", sourcePath(*job, name), shellWord(destination)),
+               Effect::copies(sourcePath(*job, name), destination));
 
-    if (DaxRegistry::isLegacyMode()) {
-        writeLegacy(*names, destination);
+    // Legacy clients keep only the path, in the INI registry.
+    if (client.isLegacyMode()) {
+        client.writeRegistry(QStringLiteral("Software\\Kelto\\Imprivata"),
+                             QLatin1String(names->pathValue), destination);
         return 1;
     }
 
-    DaxProperties store(QStringLiteral("user/software/imprivata"), QString(), true);
-    if (!store.Load()) {
+    KeyValues values{{QLatin1String(names->pathValue), destination}};
+    const QString digest = client.digest(destination);
+    if (!digest.isEmpty())
+        values.append({QLatin1String(names->digestValue), digest});
+    if (!client.writeStore(QStringLiteral("user/software/imprivata"), values)) {
         qDebug() << "user/software/imprivata/config.xml does not exist";
         return 0;
     }
-    store.SetString(QLatin1String(names->pathValue), destination);
-    const QString digest = pictureDigest(destination);
-    if (!digest.isEmpty())
-        store.SetString(QLatin1String(names->digestValue), digest);
-    store.Save();
-    run("touch /tmp/proveidevents/reloadcfg");
+    client.run("touch /tmp/proveidevents/reloadcfg");
     return 1;
 }
 

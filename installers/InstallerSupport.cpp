@@ -1,6 +1,5 @@
 #include "InstallerSupport.h"
 
-#include "DaxSystem.h"
 #include "InstallJob.h"
 
 #include <QCryptographicHash>
@@ -27,22 +26,6 @@ QString shellWord(const QString &word)
     QString quoted = word;
     quoted.replace(QLatin1Char('\''), QLatin1String("'\\''"));
     return QLatin1Char('\'') + quoted + QLatin1Char('\'');
-}
-
-void run(const QString &commandLine)
-{
-    DaxSystem::execShell(commandLine);
-}
-
-void run(const char *commandLine)
-{
-    run(QString::fromLatin1(commandLine));
-}
-
-void runAll(const QStringList &commandLines)
-{
-    for (const QString &commandLine : commandLines)
-        run(commandLine);
 }
 
 QString pictureDigest(const QString &path)

@@ -4,13 +4,12 @@
 #include "ClientPaths.h"
 
 #include <QString>
-#include <QStringList>
 
 #include <utility>
 
 struct InstallJob;
 
-// What the installer routines share: command templates, source paths, running commands.
+// What the installer routines and the clients share: command templates, source paths, digests.
 namespace installers {
 
 using clientpaths::filesDir;
@@ -30,13 +29,6 @@ QString sourcePath(const InstallJob &job, const QString &file);
 // single quotes, a ' inside as '\''. An ordinary name so keeps the client's command byte for
 // byte, and a blank, #, ~, glob or quote in a name can no longer split, comment out or expand it.
 QString shellWord(const QString &word);
-
-// Runs one command line through the platform's shell runner; its status is never looked at.
-void run(const QString &commandLine);
-void run(const char *commandLine);
-
-// Runs the command lines one after the other, each to its end.
-void runAll(const QStringList &commandLines);
 
 // MD5 of a file as 32 lower-case hexadecimal digits; empty when the file cannot be opened or
 // read.

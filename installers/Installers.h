@@ -1,12 +1,13 @@
 #ifndef INSTALLERS_H
 #define INSTALLERS_H
 
+class ClientAccess;
 struct InstallJob;
 
 // One routine per package type. Each runs on the installer's worker thread, takes the whole
-// job and returns 1 when it ran and 0 when it refused the job (the certificate installer
-// always returns 0). Only the certificate installer changes the job: it writes the
-// blank-free names back into files.
+// job and the client, reaches the client only through that interface, and returns 1 when it
+// ran and 0 when it refused the job (the certificate installer always returns 0). Only the
+// certificate installer changes the job: it writes the blank-free names back into files.
 //
 // The command lines, their order, the files copied and the keys set reproduce the client's own
 // installers byte for byte, quirks included: a certificate's blank-free copy made on the stick,
@@ -18,19 +19,19 @@ struct InstallJob;
 // routine marks a quirk only where what it leads to is not plain from the code.
 namespace installers {
 
-int installCertificates(InstallJob *job);
-int installPrinterDrivers(InstallJob *job);
-int installUpdate(InstallJob *job);
-int installScreenConnect(InstallJob *job);
-int installOpenVpn(InstallJob *job);
-int installIcon(InstallJob *job);
-int installDisclaimer(InstallJob *job);
-int installScreensaver(InstallJob *job);
-int installRdpFile(InstallJob *job);
-int installDesktop(InstallJob *job);
-int installWallpaper(InstallJob *job);
+int installCertificates(InstallJob *job, ClientAccess &client);
+int installPrinterDrivers(InstallJob *job, ClientAccess &client);
+int installUpdate(InstallJob *job, ClientAccess &client);
+int installScreenConnect(InstallJob *job, ClientAccess &client);
+int installOpenVpn(InstallJob *job, ClientAccess &client);
+int installIcon(InstallJob *job, ClientAccess &client);
+int installDisclaimer(InstallJob *job, ClientAccess &client);
+int installScreensaver(InstallJob *job, ClientAccess &client);
+int installRdpFile(InstallJob *job, ClientAccess &client);
+int installDesktop(InstallJob *job, ClientAccess &client);
+int installWallpaper(InstallJob *job, ClientAccess &client);
 // kind: 0 background ("iwallpaper"), 1 prox card ("iproxcard"), 2 co-branding ("ilogo").
-int installImprivataImage(InstallJob *job, int kind);
+int installImprivataImage(InstallJob *job, int kind, ClientAccess &client);
 
 } // namespace installers
 

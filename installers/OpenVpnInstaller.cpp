@@ -1,5 +1,6 @@
 #include "Installers.h"
 
+#include "ClientAccess.h"
 #include "InstallJob.h"
 #include "InstallerSupport.h"
 
@@ -7,23 +8,25 @@ namespace installers {
 
 // Stores the configuration in the persistent tree and links it into the system's client folder;
 // no freeze.
-int installOpenVpn(InstallJob *job)
+int installOpenVpn(InstallJob *job, ClientAccess &client)
 {
     if (job->files.size() != 1)
         return 0;
     const QString &name = job->files.first();
     const QString folder = filesDir() + QStringLiteral("/openvpn/client");
-    runAll({
-        fill("mkdir -p %1", folder),
-        QStringLiteral("mkdir -p /etc/openvpn/client"),
-        fill("cp \"%1\" %2", sourcePath(*job, name), folder),
-        // The link target is a bare word: quoted only when the name needs it.
-        fill("ln -s %1 /etc/openvpn/client", shellWord(folder + QLatin1Char('/') + name)),
-        // The converter runs on in the background; the one-second wait is all the
-        // synchronisation there is.
-        QStringLiteral("ovpn2xml &"),
-        QStringLiteral("sleep 1"),
-    });
+    const QString system = QStringLiteral("/etc/openvpn/client");
+    const QString stored = folder + QLatin1Char('/') + name;
+    client.run(fill("mkdir -p %1", folder), Effect::makesFolder(folder));
+    client.run(fill("mkdir -p %1", system), Effect::makesFolder(system));
+    client.run(fill("cp \"%1\" %2", sourcePath(*job, name), folder),
+               Effect::copies(sourcePath(*job, name), stored));
+    // The link target is a bare word: quoted only when the name needs it.
+    client.run(fill("ln -s %1 %2", shellWord(stored), system),
+               Effect::links(system + QLatin1Char('/') + name, stored));
+    // The converter runs on in the background; the one-second wait is all the
+    // synchronisation there is.
+    client.run("ovpn2xml &");
+    client.run("sleep 1");
     return 1;
 }
 

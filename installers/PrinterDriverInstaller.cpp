@@ -1,24 +1,23 @@
 #include "Installers.h"
 
+#include "ClientAccess.h"
 #include "InstallJob.h"
 #include "InstallerSupport.h"
 
-#include <QDir>
-#include <QFile>
-
 namespace installers {
 
-int installPrinterDrivers(InstallJob *job)
+int installPrinterDrivers(InstallJob *job, ClientAccess &client)
 {
     // The absolute path makes /config/files/ppd at the root, not the driver folder.
-    QDir(QStringLiteral("/tmp")).mkpath(QStringLiteral("/config/files/ppd"));
-    // QFile::copy never overwrites: a driver already installed under the same name is kept.
+    client.makeFolder(QStringLiteral("/config/files/ppd"));
+    // The toolkit's copy never overwrites: a driver already installed under the same name is
+    // kept.
     for (int i = 0; i < job->files.size(); ++i) {
         const QString &name = job->files.at(i);
-        QFile::copy(sourcePath(*job, name), fill("%1/ppd/%2", filesDir(), name));
+        client.copyFile(sourcePath(*job, name), fill("%1/ppd/%2", filesDir(), name));
     }
-    run(fill("ppddb %1/ppd %1/printdrivers.db", filesDir()));
-    run("freeze");
+    client.run(fill("ppddb %1/ppd %1/printdrivers.db", filesDir()));
+    client.run("freeze");
     return 1;
 }
 

@@ -1,22 +1,20 @@
 #include "Installers.h"
 
+#include "ClientAccess.h"
 #include "InstallJob.h"
 #include "InstallerSupport.h"
-
-#include <QDir>
-#include <QFile>
 
 namespace installers {
 
 // Every chosen picture keeps its name in the screensaver folder. The toolkit's copy never
 // overwrites, so a picture of the same name already there stays as it was.
-int installScreensaver(InstallJob *job)
+int installScreensaver(InstallJob *job, ClientAccess &client)
 {
     const QString folder = filesDir() + QStringLiteral("/screensaver");
-    QDir().mkpath(folder);
+    client.makeFolder(folder);
     for (const QString &name : qAsConst(job->files))
-        QFile::copy(sourcePath(*job, name), fill("%1/%2", folder, name));
-    run("freeze");
+        client.copyFile(sourcePath(*job, name), fill("%1/%2", folder, name));
+    client.run("freeze");
     return 1;
 }
 

@@ -1,5 +1,7 @@
 #include "RcInstaller.h"
 
+#include "RealClient.h"
+
 #include <utility>
 
 RcInstaller::RcInstaller(InstallJob *job, installers::Routine routine, QObject *parent)
@@ -15,6 +17,7 @@ RcInstaller::~RcInstaller()
 void RcInstaller::run()
 {
     // Failures look like success: the installer's result is not reported.
-    routine(job);
+    RealClient client;
+    routine(job, client);
     emit completed();
 }

@@ -7,7 +7,8 @@
 
 struct InstallJob;
 
-// The worker thread of one installation: runs the routine on its job, then signals completion.
+// The worker thread of one installation: runs the routine on its job against the client itself
+// (RealClient), then signals completion.
 // It waits for itself when it is destroyed, so that it never goes while still running.
 class RcInstaller : public QThread
 {

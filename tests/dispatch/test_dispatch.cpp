@@ -1,6 +1,7 @@
 #include "Dispatch.h"
 #include "InstallJob.h"
 #include "MgrDlg.h"
+#include "PlannedRun.h"
 #include "RcList.h"
 #include "SimClient.h"
 #include "TypeRow.h"
@@ -113,7 +114,7 @@ void TestDispatch::dispatchRunsTheRoutineOfEachType()
 
     const QString stick = simclient::makeStick({file});
     InstallJob job(typeRow(type), stick, {file});
-    QCOMPARE(installers::dispatch(&job), result);
+    QCOMPARE(simclient::install(installers::dispatch, job), result);
     QCOMPARE(simclient::shellLog().value(0), firstCommand.replace(QLatin1String("{dir}"), stick));
     if (!imprivataValue.isEmpty())
         QCOMPARE(simclient::storeValue(QStringLiteral("user/software/imprivata"), imprivataValue),

@@ -1,5 +1,7 @@
 #include "InstallJob.h"
 #include "Installers.h"
+#include "PlannedRun.h"
+#include "RealClient.h"
 #include "SimClient.h"
 #include "TypeRow.h"
 
@@ -57,6 +59,13 @@ const QString desktopStore = QStringLiteral("user/system/desktop");
 const QString imprivataStore = QStringLiteral("user/software/imprivata");
 const QString marker = QStringLiteral("/tmp/.mvyx64");
 const QString modality = QStringLiteral("/boot/modality");
+
+installers::Routine imprivata(int kind)
+{
+    return [kind](InstallJob *job, ClientAccess &client) {
+        return installers::installImprivataImage(job, kind, client);
+    };
+}
 
 QString md5(const QString &path)
 {
@@ -138,7 +147,7 @@ void TestDesktopInstallers::screensaverCopiesEveryPictureThenFreezes()
     QVERIFY(!QFile::exists(QStringLiteral("/tmp/config/files/screensaver")));
 
     InstallJob job(typeRow("screensaver"), dir, names);
-    QCOMPARE(installers::installScreensaver(&job), 1);
+    QCOMPARE(simclient::install(installers::installScreensaver, job), 1);
 
     for (const QString &name : names)
         QCOMPARE(simclient::readFile(QStringLiteral("/tmp/config/files/screensaver/") + name),
@@ -148,7 +157,7 @@ void TestDesktopInstallers::screensaverCopiesEveryPictureThenFreezes()
 
     simclient::clearLogs();
     InstallJob empty(typeRow("screensaver"), dir, {});
-    QCOMPARE(installers::installScreensaver(&empty), 1);
+    QCOMPARE(simclient::install(installers::installScreensaver, empty), 1);
     QCOMPARE(simclient::shellLog(), QStringList{"freeze"});
 }
 
@@ -157,7 +166,7 @@ void TestDesktopInstallers::screensaverKeepsAnExistingPicture()
     writeFile(QStringLiteral("/tmp/config/files/screensaver/a.jpg"), "old picture");
     const QString dir = simclient::makeStick({"a.jpg", "b.jpg"});
     InstallJob job(typeRow("screensaver"), dir, {"a.jpg", "b.jpg"});
-    QCOMPARE(installers::installScreensaver(&job), 1);
+    QCOMPARE(simclient::install(installers::installScreensaver, job), 1);
     QCOMPARE(simclient::readFile(QStringLiteral("/tmp/config/files/screensaver/a.jpg")),
              QByteArray("old picture"));
     QCOMPARE(simclient::readFile(QStringLiteral("/tmp/config/files/screensaver/b.jpg")),
@@ -181,7 +190,7 @@ void TestDesktopInstallers::rdpImportReloadsByOsVariant()
         writeFile(marker, {});
     const QString dir = simclient::makeStick({"office.rdp"});
     InstallJob job(typeRow("rdpfile"), dir, {"office.rdp"});
-    QCOMPARE(installers::installRdpFile(&job), 1);
+    QCOMPARE(simclient::install(installers::installRdpFile, job), 1);
 
     const QStringList expected =
         QStringList{QStringLiteral("/usr/bin/rdpimport %1/office.rdp").arg(dir)} + reload +
@@ -198,13 +207,13 @@ void TestDesktopInstallers::rdpImportTakesTheFirstFile()
     const QStringList files{"b.rdp", "a.rdp"};
     const QString dir = simclient::makeStick(files);
     InstallJob job(typeRow("rdpfile"), dir, files);
-    QCOMPARE(installers::installRdpFile(&job), 1);
+    QCOMPARE(simclient::install(installers::installRdpFile, job), 1);
     QCOMPARE(simclient::calls(QStringLiteral("rdpimport")),
              QStringList{QStringLiteral("rdpimport [%1/b.rdp]").arg(dir)});
 
     simclient::clearLogs();
     InstallJob empty(typeRow("rdpfile"), dir, {});
-    QCOMPARE(installers::installRdpFile(&empty), 0);
+    QCOMPARE(simclient::install(installers::installRdpFile, empty), 0);
     QVERIFY(simclient::shellLog().isEmpty());
 }
 
@@ -214,7 +223,7 @@ void TestDesktopInstallers::desktopWithMarkerStartsNothing()
     writeFile(modality, "ZUL-O\n");
     const QString dir = simclient::makeStick({"desk.jpg"});
     InstallJob job(typeRow("desktop"), dir, {"desk.jpg"});
-    QCOMPARE(installers::installDesktop(&job), 1);
+    QCOMPARE(simclient::install(installers::installDesktop, job), 1);
     QCOMPARE(simclient::shellLog(),
              desktopPrefix(dir, "desk.jpg", md5(dir + "/desk.jpg")) + desktopSuffix);
     QCOMPARE(simclient::calls(QStringLiteral("freeze")).size(), 1);
@@ -222,7 +231,7 @@ void TestDesktopInstallers::desktopWithMarkerStartsNothing()
     // The flag is set again by every run: without the marker the modality counts.
     QFile::remove(marker);
     simclient::clearLogs();
-    QCOMPARE(installers::installDesktop(&job), 1);
+    QCOMPARE(simclient::install(installers::installDesktop, job), 1);
     QVERIFY(simclient::shellLog().contains(QStringLiteral("vmw-desktop &")));
 }
 
@@ -265,7 +274,7 @@ void TestDesktopInstallers::desktopStartsByModality()
 
     const QString dir = simclient::makeStick({"desk.jpg"}, {"stick picture"});
     InstallJob job(typeRow("desktop"), dir, {"desk.jpg"});
-    QCOMPARE(installers::installDesktop(&job), 1);
+    QCOMPARE(simclient::install(installers::installDesktop, job), 1);
 
     for (QString &start : starts)
         start.replace(QStringLiteral("%1"), dir);
@@ -290,7 +299,7 @@ void TestDesktopInstallers::desktopQuotesAndDigestsTheInstalledCopy()
     writeFile(modality, "ZUL-C\n");
     const QString dir = simclient::makeStick(files);
     InstallJob job(typeRow("desktop"), dir, files);
-    QCOMPARE(installers::installDesktop(&job), 1);
+    QCOMPARE(simclient::install(installers::installDesktop, job), 1);
 
     const QString name = files.first();
     const QString copy = QStringLiteral("/tmp/config/files/launchpad/") + name;
@@ -308,7 +317,7 @@ void TestDesktopInstallers::desktopFailedCopyStillLinksAndSetsTheKey()
 {
     const QString dir = simclient::makeStick({});
     InstallJob job(typeRow("desktop"), dir, {"gone.jpg"});
-    QCOMPARE(installers::installDesktop(&job), 1);
+    QCOMPARE(simclient::install(installers::installDesktop, job), 1);
 
     const QString copy = QStringLiteral("/tmp/config/files/launchpad/gone.jpg");
     QCOMPARE(simclient::shellLog(),
@@ -320,7 +329,7 @@ void TestDesktopInstallers::desktopFailedCopyStillLinksAndSetsTheKey()
 
     simclient::clearLogs();
     InstallJob empty(typeRow("desktop"), dir, {});
-    QCOMPARE(installers::installDesktop(&empty), 0);
+    QCOMPARE(simclient::install(installers::installDesktop, empty), 0);
     QVERIFY(simclient::shellLog().isEmpty());
 }
 
@@ -331,7 +340,7 @@ void TestDesktopInstallers::desktopFillsPlaceholdersInTheSourcePath()
     writeFile(dir + QStringLiteral("/desk.jpg"), "picture");
     InstallJob job(typeRow("desktop"), dir, {"desk.jpg"});
     QTest::ignoreMessage(QtDebugMsg, "RMF - Installing  \"/tmp/sticks/p%1q%2r%3/desk.jpg\"");
-    QCOMPARE(installers::installDesktop(&job), 1);
+    QCOMPARE(simclient::install(installers::installDesktop, job), 1);
     QCOMPARE(simclient::shellLog().value(1),
              QStringLiteral("cp \"/tmp/sticks/p/tmp/config/files/launchpadqdesk.jpgr%3/desk.jpg\" "
                             "\"/tmp/config/files/launchpad/desk.jpg\" "));
@@ -349,7 +358,7 @@ void TestDesktopInstallers::wallpaperNeedsExactlyOnePicture()
     QFETCH(QStringList, files);
     const QString dir = simclient::makeStick(files);
     InstallJob job(typeRow("wallpaper"), dir, files);
-    QCOMPARE(installers::installWallpaper(&job), 0);
+    QCOMPARE(simclient::install(installers::installWallpaper, job), 0);
     QVERIFY(simclient::shellLog().isEmpty());
 }
 
@@ -358,7 +367,7 @@ void TestDesktopInstallers::wallpaperQuotesTheNameAndRecordsTheDigest()
     const QString name = QStringLiteral("my wall.jpg");
     const QString dir = simclient::makeStick({name}, {"wallpaper picture"});
     InstallJob job(typeRow("wallpaper"), dir, {name});
-    QCOMPARE(installers::installWallpaper(&job), 1);
+    QCOMPARE(simclient::install(installers::installWallpaper, job), 1);
 
     const QString copy = QStringLiteral("/tmp/config/files/wallpapers/my wall.jpg");
     const QString digest = md5(copy);
@@ -387,13 +396,13 @@ void TestDesktopInstallers::wallpaperFromAnUnreadableStickLeavesADanglingLink()
 {
     const QString dir = simclient::makeStick({"old.jpg"});
     InstallJob previous(typeRow("wallpaper"), dir, {"old.jpg"});
-    QCOMPARE(installers::installWallpaper(&previous), 1);
+    QCOMPARE(simclient::install(installers::installWallpaper, previous), 1);
     const QString oldDigest = simclient::storeValue(desktopStore, QStringLiteral("WP_MD5"));
     QCOMPARE(oldDigest.size(), 32);
 
     simclient::clearLogs();
     InstallJob job(typeRow("wallpaper"), dir, {"gone.jpg"});
-    QCOMPARE(installers::installWallpaper(&job), 1);
+    QCOMPARE(simclient::install(installers::installWallpaper, job), 1);
 
     const QFileInfo link(QStringLiteral("/tmp/config/files/default_wp"));
     QVERIFY(link.isSymLink());
@@ -427,7 +436,7 @@ void TestDesktopInstallers::imprivataWritesPathAndDigest()
     QVERIFY(QDir().mkpath(QStringLiteral("/tmp/proveidevents")));
     const QString dir = simclient::makeStick({"card.png"}, {"card picture"});
     InstallJob job(typeRow("ilogo"), dir, {"card.png"});
-    QCOMPARE(installers::installImprivataImage(&job, kind), 1);
+    QCOMPARE(simclient::install(imprivata(kind), job), 1);
 
     const QString copy = QStringLiteral("/tmp/config/files/card.png");
     QCOMPARE(simclient::shellLog(),
@@ -445,7 +454,7 @@ void TestDesktopInstallers::imprivataLegacyWritesOnlyThePath()
     qputenv("DAX_LEGACY_MODE", "1");
     const QString dir = simclient::makeStick({"card.png"});
     InstallJob job(typeRow("iproxcard"), dir, {"card.png"});
-    QCOMPARE(installers::installImprivataImage(&job, 1), 1);
+    QCOMPARE(simclient::install(imprivata(1), job), 1);
 
     QCOMPARE(simclient::shellLog(),
              QStringList{QStringLiteral("cp \"%1/card.png\" /tmp/config/files/card.png").arg(dir)});
@@ -463,7 +472,9 @@ void TestDesktopInstallers::imprivataMissingStoreRefuses()
     const QString dir = simclient::makeStick({"logo.png"});
     InstallJob job(typeRow("ilogo"), dir, {"logo.png"});
     QTest::ignoreMessage(QtDebugMsg, "user/software/imprivata/config.xml does not exist");
-    QCOMPARE(installers::installImprivataImage(&job, 2), 0);
+    // The check plans for a client that has its stores: run without a plan.
+    RealClient client;
+    QCOMPARE(installers::installImprivataImage(&job, 2, client), 0);
     QCOMPARE(simclient::readFile(QStringLiteral("/tmp/config/files/logo.png")),
              QByteArray("logo.png"));
     QCOMPARE(simclient::shellLog().size(), 1);
@@ -486,7 +497,7 @@ void TestDesktopInstallers::imprivataNeedsExactlyOnePicture()
     QFETCH(QStringList, files);
     const QString dir = simclient::makeStick(files);
     InstallJob job(typeRow("ilogo"), dir, files);
-    QCOMPARE(installers::installImprivataImage(&job, kind), 0);
+    QCOMPARE(simclient::install(imprivata(kind), job), 0);
     QVERIFY(simclient::shellLog().isEmpty());
     QCOMPARE(simclient::readFile(imprivataStoreFile()), m_imprivataStore);
 }

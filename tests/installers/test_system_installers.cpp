@@ -1,5 +1,7 @@
 #include "InstallJob.h"
 #include "Installers.h"
+#include "PlannedRun.h"
+#include "RealClient.h"
 #include "SimClient.h"
 #include "TypeRow.h"
 
@@ -12,8 +14,8 @@
 
 using namespace installers;
 
-using Routine = int (*)(InstallJob *);
-Q_DECLARE_METATYPE(Routine)
+using RoutineFunction = int (*)(InstallJob *, ClientAccess &);
+Q_DECLARE_METATYPE(RoutineFunction)
 
 // Certificates, printer drivers, firmware update, ScreenConnect, OpenVPN, icon and disclaimer,
 // run on the simulated client: what the shell ran, what the client's tools were called with,
@@ -175,7 +177,7 @@ void TestSystemInstallers::certificates()
 
     debugLines.clear();
     previousHandler = qInstallMessageHandler(captureDebug);
-    const int result = installCertificates(&job);
+    const int result = simclient::install(installCertificates, job);
     qInstallMessageHandler(previousHandler);
 
     QCOMPARE(result, 0);
@@ -213,7 +215,7 @@ void TestSystemInstallers::printerDrivers()
 
     const QString stick = simclient::makeStick(files);
     InstallJob job(typeRow("ppd"), stick, files);
-    QCOMPARE(installPrinterDrivers(&job), 1);
+    QCOMPARE(simclient::install(installPrinterDrivers, job), 1);
 
     QCOMPARE(
         simclient::shellLog(),
@@ -234,7 +236,7 @@ void TestSystemInstallers::printerDriverAlreadyInstalledIsKept()
     const QString stick = simclient::makeStick({"office.ppd"}, {"newer driver"});
     InstallJob job(typeRow("ppd"), stick, {"office.ppd"});
 
-    QCOMPARE(installPrinterDrivers(&job), 1);
+    QCOMPARE(simclient::install(installPrinterDrivers, job), 1);
 
     QCOMPARE(simclient::readFile("/tmp/config/files/ppd/office.ppd"),
              QByteArray("installed earlier"));
@@ -250,8 +252,10 @@ void TestSystemInstallers::printerDriversWithoutDriverFolder()
     QVERIFY(QDir(QStringLiteral("/config")).removeRecursively());
     const QStringList files{"laser.ppd", "inkjet.ppd"};
     InstallJob job(typeRow("ppd"), simclient::makeStick(files), files);
+    // The check plans for a client with its whole configuration tree: run without a plan.
+    RealClient client;
 
-    QCOMPARE(installPrinterDrivers(&job), 1);
+    QCOMPARE(installPrinterDrivers(&job, client), 1);
 
     QVERIFY(!QFileInfo::exists(folder));
     QCOMPARE(simclient::calls(),
@@ -263,7 +267,7 @@ void TestSystemInstallers::printerDriversWithoutDriverFolder()
 
 void TestSystemInstallers::jobsRefusedOrEmpty_data()
 {
-    QTest::addColumn<Routine>("routine");
+    QTest::addColumn<RoutineFunction>("routine");
     QTest::addColumn<QStringList>("files");
     QTest::addColumn<int>("result");
 
@@ -281,7 +285,7 @@ void TestSystemInstallers::jobsRefusedOrEmpty_data()
 // Nothing at all happens to the client: no command, no tool, no file.
 void TestSystemInstallers::jobsRefusedOrEmpty()
 {
-    QFETCH(Routine, routine);
+    QFETCH(RoutineFunction, routine);
     QFETCH(QStringList, files);
     QFETCH(int, result);
 
@@ -289,7 +293,7 @@ void TestSystemInstallers::jobsRefusedOrEmpty()
     const Snapshot treeBefore = snapshot("/tmp/config/files");
     InstallJob job(typeRow("ppd"), simclient::makeStick(files), files);
 
-    QCOMPARE(routine(&job), result);
+    QCOMPARE(simclient::install(routine, job), result);
 
     QCOMPARE(simclient::shellLog(), QStringList{});
     QCOMPARE(simclient::calls(), QStringList{});
@@ -302,7 +306,7 @@ void TestSystemInstallers::firmwareUpdatePathWithBlanks()
     const QString stick = stickAt("/tmp/sticks/usb stick", {"fw update.tzupg"});
     InstallJob job(typeRow("update"), stick, {"fw update.tzupg"});
 
-    QCOMPARE(installUpdate(&job), 1);
+    QCOMPARE(simclient::install(installUpdate, job), 1);
 
     QCOMPARE(simclient::shellLog(), QStringList{"tar-upgrade \"" + stick + "/fw update.tzupg\""});
     // One argument, and no freeze.
@@ -340,7 +344,7 @@ void TestSystemInstallers::screenConnect()
     const QString stick = simclient::makeStick(files);
     InstallJob job(typeRow("ScreenConnect"), stick, files);
 
-    QCOMPARE(installScreenConnect(&job), 1);
+    QCOMPARE(simclient::install(installScreenConnect, job), 1);
 
     QCOMPARE(simclient::readFile(installed), installedAfter);
     QVERIFY(!QFileInfo::exists("/tmp/config/files/other.deb"));
@@ -358,7 +362,7 @@ void TestSystemInstallers::openVpn()
     const QString stick = simclient::makeStick({"office.ovpn"}, {"remote vpn.example 1194\n"});
     InstallJob job(typeRow("openvpn"), stick, {"office.ovpn"});
 
-    QCOMPARE(installOpenVpn(&job), 1);
+    QCOMPARE(simclient::install(installOpenVpn, job), 1);
 
     QCOMPARE(simclient::shellLog(),
              expand(
@@ -383,7 +387,7 @@ void TestSystemInstallers::iconWithBlankInItsName()
     const QString stick = simclient::makeStick({"company logo.png"});
     InstallJob job(typeRow("icon"), stick, {"company logo.png"});
 
-    QCOMPARE(installIcon(&job), 1);
+    QCOMPARE(simclient::install(installIcon, job), 1);
 
     QCOMPARE(simclient::shellLog(),
              expand(
@@ -418,7 +422,7 @@ void TestSystemInstallers::disclaimer()
     const QString stick = simclient::makeStick(files, contents);
     InstallJob job(typeRow("disclaimer"), stick, files);
 
-    QCOMPARE(installDisclaimer(&job), 1);
+    QCOMPARE(simclient::install(installDisclaimer, job), 1);
 
     QCOMPARE(
         simclient::shellLog(),

@@ -1,6 +1,7 @@
 #include "Dispatch.h"
 #include "InstallJob.h"
 #include "PackageTypes.h"
+#include "PlannedRun.h"
 #include "RcList.h"
 #include "SimClient.h"
 #include "TypeRow.h"
@@ -200,7 +201,7 @@ void TestNames::namesInstallWhole()
     QVERIFY(list.filesOfType(type).contains(name));
 
     InstallJob job(typeRow(type), dir, {name});
-    installers::dispatch(&job);
+    simclient::install(installers::dispatch, job);
 
     if (name.startsWith(QLatin1String("office")) && !dir.contains(QLatin1Char(' ')))
         QVERIFY2(!simclient::shellLog().join(QLatin1Char('\n')).contains(QLatin1Char('\'')),
@@ -321,7 +322,8 @@ void TestNames::linksOffTheStick()
     if (kind.endsWith(QLatin1String("replaced")))
         QVERIFY(QFile::remove(path) && QFile::link(secretPath, path));
     InstallJob job(typeRow(type), dir, {name});
-    const QStringList installLines = linesOf([&job] { installers::dispatch(&job); });
+    const QStringList installLines =
+        linesOf([&job] { simclient::install(installers::dispatch, job); });
 
     QVERIFY(!configurationHoldsSecret());
     if (installs.isEmpty()) {

@@ -1,3 +1,4 @@
+#include "Dispatch.h"
 #include "InstallJob.h"
 #include "InstallerDlg.h"
 #include "MgrDlg.h"
@@ -40,7 +41,7 @@ struct Recorder
 
 // The routine the windows hand to the worker thread in place of the dispatch, so that the tests
 // see every job the window hands over and decide when its installation ends.
-int record(InstallJob *job)
+int record(InstallJob *job, ClientAccess & /*client*/)
 {
     bool hold;
     {

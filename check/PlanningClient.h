@@ -1,0 +1,63 @@
+#ifndef PLANNINGCLIENT_H
+#define PLANNINGCLIENT_H
+
+#include "ClientAccess.h"
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+// The state of a client that changes what an installer does.
+struct ClientState
+{
+    bool legacyMode = false;
+    bool osVariantMarker = false;
+    std::optional<QString> modality; // the modality file's first line, with its line end
+};
+
+// One thing an installer would do: a shell command line and what it does, or (with no command)
+// something the program does itself.
+struct PlannedStep
+{
+    QString command;
+    Effect effect;
+};
+
+// A client that only records: every step an installer asks for becomes a PlannedStep, and
+// nothing is run, written or started. Digests and file-valued keys are taken from the stick's
+// file that the planned copies and links lead back to.
+class PlanningClient : public ClientAccess
+{
+public:
+    explicit PlanningClient(const ClientState &state);
+
+    const QList<PlannedStep> &steps() const { return m_steps; }
+    // The shell command lines in order.
+    QStringList commands() const;
+    // The programs the commands run, each once, in order of first use.
+    QStringList tools() const;
+
+    bool isLegacyMode() override;
+    bool hasOsVariantMarker() override;
+    std::optional<QString> modality() override;
+    QString digest(const QString &path) override;
+
+    void run(const QString &commandLine, const Effect &effect) override;
+    void copyFile(const QString &from, const QString &to) override;
+    void makeFolder(const QString &folder) override;
+    bool writeStore(const QString &store, const KeyValues &values) override;
+    void writeRegistry(const QString &key, const QString &name, const QString &value) override;
+
+private:
+    // The file whose bytes path would hold after the steps so far: followed back through the
+    // planned links and copies to the source of the first copy. Empty when no planned copy
+    // leads to path.
+    QString copiedFrom(QString path) const;
+
+    ClientState m_state;
+    QList<PlannedStep> m_steps;
+};
+
+#endif
