@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Demo: sets up what is missing, builds, and runs the USB Installer on the sample stick
-# (sim/stick) inside the simulated client, never on this machine itself.
+# Demo: sets up what is missing, builds, prints what the stick check says of the sample stick
+# (sim/stick), then runs the USB Installer on it inside the simulated client, never on this
+# machine itself.
 #
 #   ./demo.sh            with $DISPLAY: opens the window on that display; close it to end.
 #                        without: runs on a virtual X server inside the simulated client,
@@ -104,6 +105,12 @@ cd "$(dirname "$(readlink -f "$0")")"
 build=${BUILD_DIR:-build}
 scripts/setup.sh "$build"
 build=$(readlink -f "$build")
+
+# What the sample stick would do to a client, told by the stick check before anything runs: it
+# only reads the stick.
+echo "== usb-stick-check sim/stick"
+"$build/usb-stick-check" sim/stick
+echo
 
 as_root=()
 [ "$(id -u)" -eq 0 ] || as_root=(sudo)

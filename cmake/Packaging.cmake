@@ -1,5 +1,5 @@
 # Debian package: `cpack -G DEB` in a build directory makes usb-installer_<version>_<arch>.deb
-# from what `cmake --install` installs, which is the program alone.
+# from what `cmake --install` installs: the program, the stick check and their documentation.
 set(USBINSTALLER_MAINTAINER "USB Installer maintainers <usb-installer@example.org>"
     CACHE STRING "Maintainer field of the Debian package")
 
@@ -14,7 +14,9 @@ string(CONCAT CPACK_PACKAGE_DESCRIPTION
     "administrator's USB stick is mounted. It lists the printer drivers,\n"
     "certificates, firmware updates, pictures, VPN and RDP configurations and\n"
     "disclaimer it finds there, by package type, and installs what the\n"
-    "administrator picks into the client's configuration.")
+    "administrator picks into the client's configuration.\n"
+    "usb-stick-check tells beforehand, on any machine and without root, what\n"
+    "a stick would offer and exactly what each installation would do.")
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION admin)

@@ -40,13 +40,14 @@ work=$(mktemp -d /tmp/package-test.XXXXXX)
 
 # What `cmake --install` installs, relative to the prefix: the programs, their man pages and
 # the package's copyright and changelog, nothing else.
-expected_files=$(printf '%s\n' bin/usb-installer share/doc/usb-installer/changelog.gz \
-    share/doc/usb-installer/copyright share/man/man1/usb-installer.1.gz | sort)
+expected_files=$(printf '%s\n' bin/usb-installer bin/usb-stick-check \
+    share/doc/usb-installer/changelog.gz share/doc/usb-installer/copyright \
+    share/man/man1/usb-installer.1.gz share/man/man1/usb-stick-check.1.gz | sort)
 installed_files() {
     cmake --install "$build" --prefix "$work/prefix" >/dev/null &&
         [ "$(cd "$work/prefix" && find . -type f -o -type l | sed 's|^\./||' | sort)" = "$expected_files" ]
 }
-check "cmake --install installs the program, its man page, copyright and changelog" installed_files
+check "cmake --install installs both programs, their man pages, copyright and changelog" installed_files
 
 deb=
 build_package() {
@@ -92,9 +93,21 @@ check "dpkg -i installs it" install_package
 check "dpkg lists it as installed" \
     bash -c '[ "$(dpkg-query -W -f="\${Status}" usb-installer)" = "install ok installed" ]'
 libraries_resolved() {
-    [ -x /usr/bin/usb-installer ] && ! ldd /usr/bin/usb-installer | grep -q 'not found'
+    local program
+    for program in /usr/bin/usb-installer /usr/bin/usb-stick-check; do
+        [ -x "$program" ] && ! ldd "$program" | grep -q 'not found' || return 1
+    done
 }
-check "the installed program finds every library" libraries_resolved
+check "the installed programs find every library" libraries_resolved
+
+# The check needs no display: it offers the sample stick's picture and plans its wallpaper.
+stick_check() {
+    local out
+    out=$(env -u DISPLAY /usr/bin/usb-stick-check "$source_dir/sim/stick") &&
+        grep -q '^  beach\.jpg  *Desktop Image, Icon, Imprivata Wallpaper, ScreenSaver, Wallpaper$' <<<"$out" &&
+        grep -q '^      setwp /tmp/config/files/default_wp$' <<<"$out"
+}
+check "the installed usb-stick-check reports the sample stick, exit status 0" stick_check
 
 # The program opens its application object before it looks at the command line, so even the
 # usage line needs a display; the offscreen one will do.
@@ -131,7 +144,9 @@ window_on_stick() {
 }
 check "sample stick: the main window is shown and the program keeps running" window_on_stick
 
-remove_package() { dpkg -r usb-installer >/dev/null 2>&1 && [ ! -e /usr/bin/usb-installer ]; }
+remove_package() {
+    dpkg -r usb-installer >/dev/null 2>&1 && [ ! -e /usr/bin/usb-installer ] && [ ! -e /usr/bin/usb-stick-check ]
+}
 check "dpkg -r removes it" remove_package
 
 finish

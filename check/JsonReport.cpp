@@ -1,0 +1,94 @@
+#include "JsonReport.h"
+
+#include "PackageTypes.h"
+#include "StickCheck.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
+
+namespace {
+
+QJsonArray typeKeys(const QList<const PackageType *> &types)
+{
+    QJsonArray keys;
+    for (const PackageType *type : types)
+        keys.append(type->typeKey());
+    return keys;
+}
+
+QJsonObject entryObject(const CheckedEntry &entry)
+{
+    QJsonObject object{{QStringLiteral("name"), entry.name},
+                       {QStringLiteral("offered_as"), typeKeys(entry.types)}};
+    if (entry.reason != NotOffered::No) {
+        object.insert(QStringLiteral("reason"), reasonCode(entry.reason));
+        object.insert(QStringLiteral("why"), reasonText(entry));
+    }
+    if (!entry.detail.isEmpty())
+        object.insert(QStringLiteral("detail"), entry.detail);
+    if (!entry.hiddenTypes.isEmpty())
+        object.insert(QStringLiteral("hidden_extension_types"), typeKeys(entry.hiddenTypes));
+    return object;
+}
+
+QJsonObject installationObject(const PlannedInstallation &installation)
+{
+    using Kind = Effect::Kind;
+    QJsonArray copies, folders, removals, links, keys, registry;
+    for (const Effect &effect : installation.effects(Kind::Copies))
+        copies.append(QJsonObject{{QStringLiteral("from"), effect.source},
+                                  {QStringLiteral("to"), effect.path},
+                                  {QStringLiteral("keeps_existing"), effect.keepsExisting}});
+    for (const Effect &effect : installation.effects(Kind::MakesFolder))
+        folders.append(effect.path);
+    for (const Effect &effect : installation.effects(Kind::Removes))
+        removals.append(effect.path);
+    for (const Effect &effect : installation.effects(Kind::Links))
+        links.append(QJsonObject{{QStringLiteral("link"), effect.path},
+                                 {QStringLiteral("target"), effect.source}});
+    for (const Effect &effect : installation.effects(Kind::SetsKey)) {
+        QJsonObject key{{QStringLiteral("store"), effect.path},
+                        {QStringLiteral("key"), effect.key},
+                        {QStringLiteral("value"), effect.value}};
+        if (!effect.source.isEmpty())
+            key.insert(QStringLiteral("value_from_file"), effect.source);
+        keys.append(key);
+    }
+    for (const Effect &effect : installation.effects(Kind::SetsRegistry))
+        registry.append(QJsonObject{{QStringLiteral("key"), effect.path},
+                                    {QStringLiteral("name"), effect.key},
+                                    {QStringLiteral("value"), effect.value}});
+    return {{QStringLiteral("type"), installation.type->typeKey()},
+            {QStringLiteral("type_name"), installation.type->name()},
+            {QStringLiteral("file"), installation.file},
+            {QStringLiteral("commands"), QJsonArray::fromStringList(installation.commands)},
+            {QStringLiteral("copies"), copies},
+            {QStringLiteral("folders"), folders},
+            {QStringLiteral("removes"), removals},
+            {QStringLiteral("links"), links},
+            {QStringLiteral("keys"), keys},
+            {QStringLiteral("registry"), registry},
+            {QStringLiteral("tools"), QJsonArray::fromStringList(installation.tools)}};
+}
+
+} // namespace
+
+QJsonDocument jsonReport(const StickCheck &check)
+{
+    QJsonArray entries;
+    for (const CheckedEntry &entry : check.entries)
+        entries.append(entryObject(entry));
+    QJsonArray installations;
+    for (const PlannedInstallation &installation : check.installations)
+        installations.append(installationObject(installation));
+    const QJsonObject client{{QStringLiteral("legacy_registry"), check.client.legacyMode},
+                             {QStringLiteral("os_variant_marker"), check.client.osVariantMarker},
+                             {QStringLiteral("modality"),
+                              check.client.modality ? QJsonValue(check.client.modality->trimmed())
+                                                    : QJsonValue(QJsonValue::Null)}};
+    return QJsonDocument(QJsonObject{{QStringLiteral("directory"), check.dir},
+                                     {QStringLiteral("client"), client},
+                                     {QStringLiteral("entries"), entries},
+                                     {QStringLiteral("offered"), check.offeredCount()},
+                                     {QStringLiteral("installations"), installations}});
+}

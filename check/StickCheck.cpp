@@ -1,0 +1,213 @@
+#include "StickCheck.h"
+
+#include "Dispatch.h"
+#include "InstallJob.h"
+#include "PackageTypes.h"
+#include "RcList.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QFileInfo>
+
+#include <algorithm>
+
+namespace {
+
+bool localeLess(const QString &a, const QString &b)
+{
+    return QString::localeAwareCompare(a, b) < 0;
+}
+
+// The package types as the window lists them: sorted by display name.
+QList<const PackageType *> typesInWindowOrder()
+{
+    QList<const PackageType *> types;
+    for (const PackageType &type : PackageTypes::all())
+        types.append(&type);
+    std::sort(types.begin(), types.end(), [](const PackageType *a, const PackageType *b) {
+        return localeLess(a->name(), b->name());
+    });
+    return types;
+}
+
+QList<const PackageType *> typesMatching(const QString &name)
+{
+    QList<const PackageType *> matching;
+    for (const PackageType *type : typesInWindowOrder()) {
+        if (QDir::match(type->patternList(), name))
+            matching.append(type);
+    }
+    return matching;
+}
+
+QChar refusedCharacter(const QString &name)
+{
+    for (const QChar c : name) {
+        if (QStringLiteral("$`;&|<>\"\\\n\r").contains(c))
+            return c;
+    }
+    return {};
+}
+
+// Why discovery leaves an entry of the mount directory out.
+void classify(CheckedEntry &entry, const QFileInfo &info, const QString &stickRoot)
+{
+    const QString target = info.isSymLink() ? info.symLinkTarget() : QString();
+    if (entry.name.startsWith(QLatin1Char('.'))) {
+        entry.reason = NotOffered::Hidden;
+    } else if (info.isSymLink() && !info.exists()) {
+        entry.reason = NotOffered::DanglingLink;
+        entry.detail = target;
+    } else if (info.isSymLink() &&
+               !info.canonicalFilePath().startsWith(stickRoot + QLatin1Char('/'))) {
+        entry.reason = NotOffered::LeavesStick;
+        entry.detail = target;
+    } else if (info.isDir() && !info.isSymLink()) {
+        entry.reason = NotOffered::Folder;
+    } else if (!info.isFile()) {
+        entry.reason = NotOffered::NotRegularFile;
+        entry.detail = target;
+    } else if (const QChar c = refusedCharacter(entry.name); !c.isNull()) {
+        entry.reason = NotOffered::RefusedCharacter;
+        entry.detail = c;
+    } else {
+        entry.reason = NotOffered::NoPattern;
+    }
+}
+
+// Files at any depth below a folder of the stick, sorted by their path.
+QList<CheckedEntry> filesInside(const QString &dir, const QString &folder)
+{
+    QStringList names;
+    QDirIterator files(dir + QLatin1Char('/') + folder,
+                       QDir::Files | QDir::System | QDir::Hidden | QDir::NoDotAndDotDot,
+                       QDirIterator::Subdirectories);
+    const QDir root(dir);
+    while (files.hasNext())
+        names.append(root.relativeFilePath(files.next()));
+    std::sort(names.begin(), names.end(), localeLess);
+    QList<CheckedEntry> entries;
+    for (const QString &name : qAsConst(names)) {
+        CheckedEntry entry;
+        entry.name = name;
+        entry.reason = NotOffered::InSubfolder;
+        entries.append(entry);
+    }
+    return entries;
+}
+
+PlannedInstallation plan(const PackageType *type, const QString &dir, const QString &file,
+                         const ClientState &client)
+{
+    InstallJob job(*type, dir, {file});
+    PlanningClient planning(client);
+    installers::dispatch(&job, planning);
+    return {type, file, planning.steps(), planning.commands(), planning.tools()};
+}
+
+} // namespace
+
+QList<Effect> PlannedInstallation::effects(Effect::Kind kind) const
+{
+    QList<Effect> found;
+    for (const PlannedStep &step : steps) {
+        if (step.effect.kind == kind)
+            found.append(step.effect);
+    }
+    return found;
+}
+
+int StickCheck::offeredCount() const
+{
+    return static_cast<int>(
+        std::count_if(entries.begin(), entries.end(),
+                      [](const CheckedEntry &entry) { return entry.reason == NotOffered::No; }));
+}
+
+StickCheck checkStick(const QString &dir, const ClientState &client)
+{
+    StickCheck check{dir, client, {}, {}};
+    RcList found(dir);
+    scanEveryType(found);
+
+    const QString stickRoot = QFileInfo(dir).canonicalFilePath();
+    QFileInfoList listing = QDir(dir).entryInfoList(
+        QDir::AllEntries | QDir::System | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Unsorted);
+    std::sort(listing.begin(), listing.end(), [](const QFileInfo &a, const QFileInfo &b) {
+        return localeLess(a.fileName(), b.fileName());
+    });
+    for (const QFileInfo &info : qAsConst(listing)) {
+        CheckedEntry entry;
+        entry.name = info.fileName();
+        for (const PackageType *type : typesInWindowOrder()) {
+            if (found.filesOfType(type->typeKey()).contains(entry.name))
+                entry.types.append(type);
+        }
+        if (entry.types.isEmpty())
+            classify(entry, info, stickRoot);
+        const int lastDot = entry.name.lastIndexOf(QLatin1Char('.'));
+        if (info.isFile() && entry.name.left(lastDot).contains(QLatin1Char('.'))) {
+            const QList<const PackageType *> inner = typesMatching(entry.name.left(lastDot));
+            if (inner != typesMatching(entry.name))
+                entry.hiddenTypes = inner;
+        }
+        check.entries.append(entry);
+        if (entry.reason == NotOffered::Folder)
+            check.entries.append(filesInside(dir, entry.name));
+        for (const PackageType *type : qAsConst(entry.types))
+            check.installations.append(plan(type, dir, entry.name, client));
+    }
+    return check;
+}
+
+QString reasonCode(NotOffered reason)
+{
+    switch (reason) {
+    case NotOffered::No:
+        return {};
+    case NotOffered::Hidden:
+        return QStringLiteral("hidden");
+    case NotOffered::Folder:
+        return QStringLiteral("folder");
+    case NotOffered::NotRegularFile:
+        return QStringLiteral("not-a-file");
+    case NotOffered::DanglingLink:
+        return QStringLiteral("dangling-link");
+    case NotOffered::RefusedCharacter:
+        return QStringLiteral("refused-character");
+    case NotOffered::LeavesStick:
+        return QStringLiteral("link-leaves-stick");
+    case NotOffered::NoPattern:
+        return QStringLiteral("no-pattern");
+    case NotOffered::InSubfolder:
+        return QStringLiteral("in-subfolder");
+    }
+    return {};
+}
+
+QString reasonText(const CheckedEntry &entry)
+{
+    switch (entry.reason) {
+    case NotOffered::No:
+        return {};
+    case NotOffered::Hidden:
+        return QStringLiteral("hidden");
+    case NotOffered::Folder:
+        return QStringLiteral("a folder; the files in it are not looked at");
+    case NotOffered::NotRegularFile:
+        return entry.detail.isEmpty()
+                   ? QStringLiteral("not a regular file")
+                   : QStringLiteral("a link to something that is not a file: %1").arg(entry.detail);
+    case NotOffered::DanglingLink:
+        return QStringLiteral("a link to nothing: %1").arg(entry.detail);
+    case NotOffered::RefusedCharacter:
+        return QStringLiteral("the name holds %1, which the program refuses").arg(entry.detail);
+    case NotOffered::LeavesStick:
+        return QStringLiteral("a link that leaves the stick: %1").arg(entry.detail);
+    case NotOffered::NoPattern:
+        return QStringLiteral("no type's pattern matches");
+    case NotOffered::InSubfolder:
+        return QStringLiteral("not looked at: inside a subfolder");
+    }
+    return {};
+}

@@ -1,0 +1,69 @@
+#ifndef STICKCHECK_H
+#define STICKCHECK_H
+
+#include "PlanningClient.h"
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+struct PackageType;
+
+// Why an entry of the stick is not offered.
+enum class NotOffered {
+    No, // it is offered
+    Hidden,
+    Folder,
+    NotRegularFile,
+    DanglingLink,
+    RefusedCharacter,
+    LeavesStick,
+    NoPattern,
+    InSubfolder,
+};
+
+// One entry of the mount directory, or a file inside one of its subfolders.
+struct CheckedEntry
+{
+    QString name; // relative to the mount directory; "folder/file" inside a subfolder
+    QList<const PackageType *> types; // the types that offer it, in the window's order
+    NotOffered reason = NotOffered::No;
+    QString detail; // the refused character, or where a link leads
+    // A known extension hidden behind another ("logo.png.txt"): the types the name would be
+    // offered as without its last extension.
+    QList<const PackageType *> hiddenTypes;
+};
+
+// What installing one offered file as one type would do.
+struct PlannedInstallation
+{
+    const PackageType *type = nullptr;
+    QString file;
+    QList<PlannedStep> steps;
+    QStringList commands;
+    QStringList tools;
+
+    // The effects of one kind, in order.
+    QList<Effect> effects(Effect::Kind kind) const;
+};
+
+// What a stick would do to a client, found with the program's own discovery and installers.
+struct StickCheck
+{
+    QString dir; // as given, as the program would be given it
+    ClientState client;
+    QList<CheckedEntry> entries; // sorted as the window sorts names
+    QList<PlannedInstallation> installations;
+
+    int offeredCount() const;
+};
+
+// Lists dir, runs discovery on it and plans every offered file of every type on a client in
+// the given state. Reads the stick and nothing else; writes nothing.
+StickCheck checkStick(const QString &dir, const ClientState &client);
+
+// A stable word for the reason ("hidden", "dangling-link", ...) and a sentence for people.
+QString reasonCode(NotOffered reason);
+QString reasonText(const CheckedEntry &entry);
+
+#endif

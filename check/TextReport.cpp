@@ -1,0 +1,137 @@
+#include "TextReport.h"
+
+#include "PackageTypes.h"
+#include "StickCheck.h"
+
+#include <QStringList>
+
+namespace {
+
+const int nameWidth = 32;
+
+// Control characters in a name as escapes, so that every entry stays on its line.
+QString printable(const QString &text)
+{
+    QString result;
+    for (const QChar c : text) {
+        if (c == QLatin1Char('\n'))
+            result += QStringLiteral("\\n");
+        else if (c == QLatin1Char('\r'))
+            result += QStringLiteral("\\r");
+        else if (c.category() == QChar::Other_Control)
+            result += QStringLiteral("\\x%1").arg(c.unicode(), 2, 16, QLatin1Char('0'));
+        else
+            result += c;
+    }
+    return result;
+}
+
+QString typeNames(const QList<const PackageType *> &types)
+{
+    QStringList names;
+    for (const PackageType *type : types)
+        names.append(type->name());
+    return names.join(QStringLiteral(", "));
+}
+
+QString entryLines(const CheckedEntry &entry)
+{
+    const QString indent(nameWidth + 2, QLatin1Char(' '));
+    QString line =
+        QStringLiteral("  ") + printable(entry.name).leftJustified(nameWidth) + QLatin1Char(' ');
+    if (line.size() > nameWidth + 3)
+        line += QLatin1Char('\n') + indent;
+    line += entry.reason == NotOffered::No
+                ? typeNames(entry.types)
+                : QStringLiteral("not offered: ") + printable(reasonText(entry));
+    line += QLatin1Char('\n');
+    if (!entry.hiddenTypes.isEmpty()) {
+        const QString name = entry.name;
+        const QString inner = name.left(name.lastIndexOf(QLatin1Char('.')));
+        line +=
+            indent + QStringLiteral("note: \"%1\" hides %2 behind %3; as \"%4\" it would be: %5\n")
+                         .arg(printable(name), inner.mid(inner.lastIndexOf(QLatin1Char('.'))),
+                              name.mid(name.lastIndexOf(QLatin1Char('.'))), printable(inner),
+                              typeNames(entry.hiddenTypes));
+    }
+    return line;
+}
+
+// One labelled section of a plan; nothing when it is empty.
+QString section(const QString &label, const QStringList &items)
+{
+    if (items.isEmpty())
+        return {};
+    QString text = QStringLiteral("    %1:\n").arg(label);
+    for (const QString &item : items)
+        text += QStringLiteral("      ") + printable(item) + QLatin1Char('\n');
+    return text;
+}
+
+QString planLines(const PlannedInstallation &installation)
+{
+    using Kind = Effect::Kind;
+    QStringList copies, folders, removals, links, keys, registry;
+    for (const Effect &effect : installation.effects(Kind::Copies))
+        copies.append(effect.source + QStringLiteral(" -> ") + effect.path +
+                      (effect.keepsExisting ? QStringLiteral(" (unless it exists)") : QString()));
+    for (const Effect &effect : installation.effects(Kind::MakesFolder))
+        folders.append(effect.path);
+    for (const Effect &effect : installation.effects(Kind::Removes))
+        removals.append(effect.path);
+    for (const Effect &effect : installation.effects(Kind::Links))
+        links.append(effect.path + QStringLiteral(" -> ") + effect.source);
+    for (const Effect &effect : installation.effects(Kind::SetsKey)) {
+        const QString value = effect.source.isEmpty()
+                                  ? effect.value
+                                  : QStringLiteral("the text of %1 (%2 characters)")
+                                        .arg(effect.source)
+                                        .arg(effect.value.size());
+        keys.append(QStringLiteral("%1 %2 = %3").arg(effect.path, effect.key, value));
+    }
+    for (const Effect &effect : installation.effects(Kind::SetsRegistry))
+        registry.append(QStringLiteral("%1 %2 = %3").arg(effect.path, effect.key, effect.value));
+    return QStringLiteral("  %1: %2\n")
+               .arg(installation.type->name(), printable(installation.file)) +
+           section(QStringLiteral("commands"), installation.commands) +
+           section(QStringLiteral("copies"), copies) + section(QStringLiteral("folders"), folders) +
+           section(QStringLiteral("removes"), removals) + section(QStringLiteral("links"), links) +
+           section(QStringLiteral("keys"), keys) + section(QStringLiteral("registry"), registry) +
+           QStringLiteral("    tools: %1\n").arg(installation.tools.join(QLatin1Char(' ')));
+}
+
+} // namespace
+
+QString clientDescription(const StickCheck &check)
+{
+    QStringList parts;
+    parts.append(check.client.legacyMode ? QStringLiteral("legacy registry")
+                                         : QStringLiteral("configuration stores"));
+    parts.append(check.client.osVariantMarker ? QStringLiteral("OS variant marker")
+                                              : QStringLiteral("no OS variant marker"));
+    parts.append(
+        check.client.modality
+            ? QStringLiteral("modality \"%1\"").arg(printable(check.client.modality->trimmed()))
+            : QStringLiteral("no modality"));
+    return parts.join(QStringLiteral(", "));
+}
+
+QString textReport(const StickCheck &check)
+{
+    QString text = QStringLiteral("Stick:  %1\nClient: %2\n\nEntries:\n")
+                       .arg(printable(check.dir), clientDescription(check));
+    if (check.entries.isEmpty())
+        text += QStringLiteral("  (none)\n");
+    for (const CheckedEntry &entry : check.entries)
+        text += entryLines(entry);
+    if (!check.installations.isEmpty()) {
+        text += QStringLiteral("\nInstallations, each as if that file alone were picked:\n");
+        for (const PlannedInstallation &installation : check.installations)
+            text += planLines(installation);
+    }
+    text += QStringLiteral("\n%1 of %2 entries offered, %3 installations.\n")
+                .arg(check.offeredCount())
+                .arg(check.entries.size())
+                .arg(check.installations.size());
+    return text;
+}
