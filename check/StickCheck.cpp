@@ -8,6 +8,8 @@
 #include <QDir>
 #include <QDirIterator>
 #include <QFileInfo>
+#include <QHash>
+#include <QSet>
 
 #include <algorithm>
 
@@ -129,6 +131,10 @@ StickCheck checkStick(const QString &dir, const ClientState &client)
     StickCheck check{dir, client, {}, {}};
     RcList found(dir);
     scanEveryType(found);
+    QHash<QString, QSet<QString>> offered; // file name -> type keys
+    for (const RcEntry &entry : qAsConst(found.entries))
+        offered[entry.file].insert(entry.type);
+    const QList<const PackageType *> windowOrder = typesInWindowOrder();
 
     const QString stickRoot = QFileInfo(dir).canonicalFilePath();
     QFileInfoList listing = QDir(dir).entryInfoList(
@@ -139,8 +145,8 @@ StickCheck checkStick(const QString &dir, const ClientState &client)
     for (const QFileInfo &info : qAsConst(listing)) {
         CheckedEntry entry;
         entry.name = info.fileName();
-        for (const PackageType *type : typesInWindowOrder()) {
-            if (found.filesOfType(type->typeKey()).contains(entry.name))
+        for (const PackageType *type : windowOrder) {
+            if (offered.value(entry.name).contains(type->typeKey()))
                 entry.types.append(type);
         }
         if (entry.types.isEmpty())
