@@ -107,9 +107,10 @@ scripts/setup.sh "$build"
 build=$(readlink -f "$build")
 
 # What the sample stick would do to a client, told by the stick check before anything runs: it
-# only reads the stick.
-echo "== usb-stick-check sim/stick"
-"$build/usb-stick-check" sim/stick
+# only reads the stick. Given the path the program gets, so that its plan for the wallpaper
+# reads like the shell log at the end.
+echo "== usb-stick-check $PWD/sim/stick"
+"$build/usb-stick-check" "$PWD/sim/stick"
 echo
 
 as_root=()
