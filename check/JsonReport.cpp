@@ -22,7 +22,7 @@ QJsonObject entryObject(const CheckedEntry &entry)
                        {QStringLiteral("offered_as"), typeKeys(entry.types)}};
     if (entry.reason != NotOffered::No) {
         object.insert(QStringLiteral("reason"), reasonCode(entry.reason));
-        object.insert(QStringLiteral("why"), reasonText(entry));
+        object.insert(QStringLiteral("why"), entry.why);
     }
     if (!entry.detail.isEmpty())
         object.insert(QStringLiteral("detail"), entry.detail);
@@ -86,9 +86,12 @@ QJsonDocument jsonReport(const StickCheck &check)
                              {QStringLiteral("modality"),
                               check.client.modality ? QJsonValue(check.client.modality->trimmed())
                                                     : QJsonValue(QJsonValue::Null)}};
-    return QJsonDocument(QJsonObject{{QStringLiteral("directory"), check.dir},
-                                     {QStringLiteral("client"), client},
-                                     {QStringLiteral("entries"), entries},
-                                     {QStringLiteral("offered"), check.offeredCount()},
-                                     {QStringLiteral("installations"), installations}});
+    QJsonObject report{{QStringLiteral("directory"), check.dir},
+                       {QStringLiteral("client"), client},
+                       {QStringLiteral("entries"), entries},
+                       {QStringLiteral("offered"), check.offeredCount()},
+                       {QStringLiteral("installations"), installations}};
+    if (!check.refusedDirectory.isEmpty())
+        report.insert(QStringLiteral("refused_directory"), check.refusedDirectory);
+    return QJsonDocument(report);
 }

@@ -4,6 +4,7 @@
 #include "InstallJob.h"
 #include "PackageTypes.h"
 #include "RcList.h"
+#include "StickEntry.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -42,39 +43,41 @@ QList<const PackageType *> typesMatching(const QString &name)
     return matching;
 }
 
-QChar refusedCharacter(const QString &name)
+// Why discovery leaves an entry of the mount directory out, or NoPattern when it would offer
+// it but no type's pattern matches.
+NotOffered reasonOf(StickEntry::Verdict verdict)
 {
-    for (const QChar c : name) {
-        if (QStringLiteral("$`;&|<>\"\\\n\r").contains(c))
-            return c;
+    using V = StickEntry::Verdict;
+    switch (verdict) {
+    case V::Offered:
+        break;
+    case V::Hidden:
+        return NotOffered::Hidden;
+    case V::Folder:
+        return NotOffered::Folder;
+    case V::NotAFile:
+        return NotOffered::NotAFile;
+    case V::RefusedName:
+        return NotOffered::RefusedName;
+    case V::DanglingLink:
+        return NotOffered::DanglingLink;
+    case V::LinkLoop:
+        return NotOffered::LinkLoop;
+    case V::LinkToNonFile:
+        return NotOffered::LinkToNonFile;
+    case V::LeavesStick:
+        return NotOffered::LeavesStick;
     }
-    return {};
+    return NotOffered::NoPattern;
 }
 
-// Why discovery leaves an entry of the mount directory out.
-void classify(CheckedEntry &entry, const QFileInfo &info, const QString &stickRoot)
+void classify(CheckedEntry &entry, const StickEntry &verdict)
 {
-    const QString target = info.isSymLink() ? info.symLinkTarget() : QString();
-    if (entry.name.startsWith(QLatin1Char('.'))) {
-        entry.reason = NotOffered::Hidden;
-    } else if (info.isSymLink() && !info.exists()) {
-        entry.reason = NotOffered::DanglingLink;
-        entry.detail = target;
-    } else if (info.isSymLink() &&
-               !info.canonicalFilePath().startsWith(stickRoot + QLatin1Char('/'))) {
-        entry.reason = NotOffered::LeavesStick;
-        entry.detail = target;
-    } else if (info.isDir() && !info.isSymLink()) {
-        entry.reason = NotOffered::Folder;
-    } else if (!info.isFile()) {
-        entry.reason = NotOffered::NotRegularFile;
-        entry.detail = target;
-    } else if (const QChar c = refusedCharacter(entry.name); !c.isNull()) {
-        entry.reason = NotOffered::RefusedCharacter;
-        entry.detail = c;
-    } else {
-        entry.reason = NotOffered::NoPattern;
-    }
+    entry.reason = reasonOf(verdict.verdict);
+    entry.detail = verdict.detail;
+    entry.why = verdict.offered() ? QStringLiteral("no type's pattern matches") : verdict.reason();
+    if (entry.reason == NotOffered::Folder)
+        entry.why += QStringLiteral("; the files in it are not looked at");
 }
 
 // Files at any depth below a folder of the stick, sorted by their path.
@@ -93,6 +96,7 @@ QList<CheckedEntry> filesInside(const QString &dir, const QString &folder)
         CheckedEntry entry;
         entry.name = name;
         entry.reason = NotOffered::InSubfolder;
+        entry.why = QStringLiteral("not looked at: inside a subfolder");
         entries.append(entry);
     }
     return entries;
@@ -128,7 +132,12 @@ int StickCheck::offeredCount() const
 
 StickCheck checkStick(const QString &dir, const ClientState &client)
 {
-    StickCheck check{dir, client, {}, {}};
+    StickCheck check{dir, client, {}, {}, {}};
+    const QChar refused = shellUnsafeCharacter(dir);
+    if (!refused.isNull()) {
+        check.refusedDirectory = refused;
+        return check;
+    }
     RcList found(dir);
     scanEveryType(found);
     QHash<QString, QSet<QString>> offered; // file name -> type keys
@@ -136,7 +145,7 @@ StickCheck checkStick(const QString &dir, const ClientState &client)
         offered[entry.file].insert(entry.type);
     const QList<const PackageType *> windowOrder = typesInWindowOrder();
 
-    const QString stickRoot = QFileInfo(dir).canonicalFilePath();
+    const StickDirectory stick(dir);
     QFileInfoList listing = QDir(dir).entryInfoList(
         QDir::AllEntries | QDir::System | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Unsorted);
     std::sort(listing.begin(), listing.end(), [](const QFileInfo &a, const QFileInfo &b) {
@@ -150,7 +159,7 @@ StickCheck checkStick(const QString &dir, const ClientState &client)
                 entry.types.append(type);
         }
         if (entry.types.isEmpty())
-            classify(entry, info, stickRoot);
+            classify(entry, stick.classify(info));
         const int lastDot = entry.name.lastIndexOf(QLatin1Char('.'));
         if (info.isFile() && entry.name.left(lastDot).contains(QLatin1Char('.'))) {
             const QList<const PackageType *> inner = typesMatching(entry.name.left(lastDot));
@@ -175,45 +184,22 @@ QString reasonCode(NotOffered reason)
         return QStringLiteral("hidden");
     case NotOffered::Folder:
         return QStringLiteral("folder");
-    case NotOffered::NotRegularFile:
+    case NotOffered::NotAFile:
         return QStringLiteral("not-a-file");
+    case NotOffered::RefusedName:
+        return QStringLiteral("refused-name");
     case NotOffered::DanglingLink:
         return QStringLiteral("dangling-link");
-    case NotOffered::RefusedCharacter:
-        return QStringLiteral("refused-character");
+    case NotOffered::LinkLoop:
+        return QStringLiteral("link-loop");
+    case NotOffered::LinkToNonFile:
+        return QStringLiteral("link-to-non-file");
     case NotOffered::LeavesStick:
         return QStringLiteral("link-leaves-stick");
     case NotOffered::NoPattern:
         return QStringLiteral("no-pattern");
     case NotOffered::InSubfolder:
         return QStringLiteral("in-subfolder");
-    }
-    return {};
-}
-
-QString reasonText(const CheckedEntry &entry)
-{
-    switch (entry.reason) {
-    case NotOffered::No:
-        return {};
-    case NotOffered::Hidden:
-        return QStringLiteral("hidden");
-    case NotOffered::Folder:
-        return QStringLiteral("a folder; the files in it are not looked at");
-    case NotOffered::NotRegularFile:
-        return entry.detail.isEmpty()
-                   ? QStringLiteral("not a regular file")
-                   : QStringLiteral("a link to something that is not a file: %1").arg(entry.detail);
-    case NotOffered::DanglingLink:
-        return QStringLiteral("a link to nothing: %1").arg(entry.detail);
-    case NotOffered::RefusedCharacter:
-        return QStringLiteral("the name holds %1, which the program refuses").arg(entry.detail);
-    case NotOffered::LeavesStick:
-        return QStringLiteral("a link that leaves the stick: %1").arg(entry.detail);
-    case NotOffered::NoPattern:
-        return QStringLiteral("no type's pattern matches");
-    case NotOffered::InSubfolder:
-        return QStringLiteral("not looked at: inside a subfolder");
     }
     return {};
 }

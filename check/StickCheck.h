@@ -9,17 +9,19 @@
 
 struct PackageType;
 
-// Why an entry of the stick is not offered.
+// Why an entry of the stick is not offered: discovery's verdicts, and the two the check adds.
 enum class NotOffered {
     No, // it is offered
     Hidden,
     Folder,
-    NotRegularFile,
+    NotAFile,
+    RefusedName,
     DanglingLink,
-    RefusedCharacter,
+    LinkLoop,
+    LinkToNonFile,
     LeavesStick,
-    NoPattern,
-    InSubfolder,
+    NoPattern,   // a file no type's pattern matches
+    InSubfolder, // a file inside a folder of the stick: not looked at
 };
 
 // One entry of the mount directory, or a file inside one of its subfolders.
@@ -29,6 +31,7 @@ struct CheckedEntry
     QList<const PackageType *> types; // the types that offer it, in the window's order
     NotOffered reason = NotOffered::No;
     QString detail; // the refused character, or where a link leads
+    QString why;    // the reason in words; empty when offered
     // A known extension hidden behind another ("logo.png.txt"): the types the name would be
     // offered as without its last extension.
     QList<const PackageType *> hiddenTypes;
@@ -52,6 +55,9 @@ struct StickCheck
 {
     QString dir; // as given, as the program would be given it
     ClientState client;
+    // The character for which the program refuses the mount directory itself, offering nothing;
+    // empty when it does not.
+    QString refusedDirectory;
     QList<CheckedEntry> entries; // sorted as the window sorts names
     QList<PlannedInstallation> installations;
 
@@ -62,8 +68,7 @@ struct StickCheck
 // the given state. Reads the stick and nothing else; writes nothing.
 StickCheck checkStick(const QString &dir, const ClientState &client);
 
-// A stable word for the reason ("hidden", "dangling-link", ...) and a sentence for people.
+// A stable word for the reason ("hidden", "dangling-link", ...), for scripts.
 QString reasonCode(NotOffered reason);
-QString reasonText(const CheckedEntry &entry);
 
 #endif

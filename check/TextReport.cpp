@@ -9,23 +9,6 @@ namespace {
 
 const int nameWidth = 32;
 
-// Control characters in a name as escapes, so that every entry stays on its line.
-QString printable(const QString &text)
-{
-    QString result;
-    for (const QChar c : text) {
-        if (c == QLatin1Char('\n'))
-            result += QStringLiteral("\\n");
-        else if (c == QLatin1Char('\r'))
-            result += QStringLiteral("\\r");
-        else if (c.category() == QChar::Other_Control)
-            result += QStringLiteral("\\x%1").arg(c.unicode(), 2, 16, QLatin1Char('0'));
-        else
-            result += c;
-    }
-    return result;
-}
-
 QString typeNames(const QList<const PackageType *> &types)
 {
     QStringList names;
@@ -36,14 +19,17 @@ QString typeNames(const QList<const PackageType *> &types)
 
 QString entryLines(const CheckedEntry &entry)
 {
-    const QString indent(nameWidth + 2, QLatin1Char(' '));
+    const QString indent(nameWidth + 3, QLatin1Char(' '));
     QString line =
         QStringLiteral("  ") + printable(entry.name).leftJustified(nameWidth) + QLatin1Char(' ');
     if (line.size() > nameWidth + 3)
         line += QLatin1Char('\n') + indent;
-    line += entry.reason == NotOffered::No
-                ? typeNames(entry.types)
-                : QStringLiteral("not offered: ") + printable(reasonText(entry));
+    if (entry.reason == NotOffered::No)
+        line += typeNames(entry.types);
+    else if (entry.reason == NotOffered::InSubfolder)
+        line += entry.why;
+    else
+        line += QStringLiteral("not offered: ") + printable(entry.why);
     line += QLatin1Char('\n');
     if (!entry.hiddenTypes.isEmpty()) {
         const QString name = entry.name;
@@ -102,6 +88,22 @@ QString planLines(const PlannedInstallation &installation)
 
 } // namespace
 
+QString printable(const QString &text)
+{
+    QString result;
+    for (const QChar c : text) {
+        if (c == QLatin1Char('\n'))
+            result += QStringLiteral("\\n");
+        else if (c == QLatin1Char('\r'))
+            result += QStringLiteral("\\r");
+        else if (c.category() == QChar::Other_Control)
+            result += QStringLiteral("\\x%1").arg(c.unicode(), 2, 16, QLatin1Char('0'));
+        else
+            result += c;
+    }
+    return result;
+}
+
 QString clientDescription(const StickCheck &check)
 {
     QStringList parts;
@@ -120,7 +122,11 @@ QString textReport(const StickCheck &check)
 {
     QString text = QStringLiteral("Stick:  %1\nClient: %2\n\nEntries:\n")
                        .arg(printable(check.dir), clientDescription(check));
-    if (check.entries.isEmpty())
+    if (!check.refusedDirectory.isEmpty())
+        text += QStringLiteral("  (none looked at: the program refuses this mount directory, which "
+                               "holds %1)\n")
+                    .arg(QStringLiteral("'%1'").arg(printable(check.refusedDirectory)));
+    else if (check.entries.isEmpty())
         text += QStringLiteral("  (none)\n");
     for (const CheckedEntry &entry : check.entries)
         text += entryLines(entry);
@@ -129,7 +135,7 @@ QString textReport(const StickCheck &check)
         for (const PlannedInstallation &installation : check.installations)
             text += planLines(installation);
     }
-    text += QStringLiteral("\n%1 of %2 entries offered, %3 installations.\n")
+    text += QStringLiteral("\nOffered: %1 of %2 entries. Installations planned: %3.\n")
                 .arg(check.offeredCount())
                 .arg(check.entries.size())
                 .arg(check.installations.size());

@@ -19,7 +19,7 @@ const char *const usage =
 
 int fail(const QString &why)
 {
-    std::fprintf(stderr, "usb-stick-check: %s\n", qUtf8Printable(why));
+    std::fprintf(stderr, "usb-stick-check: %s\n", qUtf8Printable(printable(why)));
     return 2;
 }
 
@@ -100,9 +100,15 @@ int main(int argc, char *argv[])
     const QByteArray report = parser.isSet(json) ? jsonReport(check).toJson(QJsonDocument::Indented)
                                                  : textReport(check).toUtf8();
     std::fwrite(report.constData(), 1, static_cast<size_t>(report.size()), stdout);
+    if (!check.refusedDirectory.isEmpty()) {
+        std::fprintf(stderr, "usb-stick-check: the program refuses %s: it holds '%s'\n",
+                     qUtf8Printable(printable(dir)),
+                     qUtf8Printable(printable(check.refusedDirectory)));
+        return 3;
+    }
     if (check.offeredCount() == 0) {
         std::fprintf(stderr, "usb-stick-check: nothing on %s would be offered\n",
-                     qUtf8Printable(dir));
+                     qUtf8Printable(printable(dir)));
         return 3;
     }
     return 0;

@@ -43,6 +43,8 @@ const QStringList pictures{"icon", "iproxcard", "ilogo", "iwallpaper", "wallpape
 void TestCheck::initTestCase()
 {
     simclient::requireSim();
+    QVERIFY(QDir().mkpath(QStringLiteral("/tmp/a;b")));
+    QVERIFY(QFile(QStringLiteral("/tmp/a;b/beach.jpg")).open(QIODevice::WriteOnly));
 }
 
 void TestCheck::entryReasons_data()
@@ -73,9 +75,22 @@ void TestCheck::entryReasons_data()
                                    << "link"
                                    << "missing.png" << QString() << "dangling-link"
                                    << "{stick}/missing.png" << none << none;
-    QTest::newRow("refused character") << "a;b.png"
-                                       << "file" << QString() << QString() << "refused-character"
-                                       << ";" << none << none;
+    QTest::newRow("refused name") << "a;b.png"
+                                  << "file" << QString() << QString() << "refused-name"
+                                  << ";" << none << none;
+    QTest::newRow("link loop") << "loop.png"
+                               << "link"
+                               << "loop.png" << QString() << "link-loop"
+                               << "{stick}/loop.png" << none << none;
+    QTest::newRow("link to a folder") << "dir.png"
+                                      << "link"
+                                      << "." << QString() << "link-to-non-file"
+                                      << "{stick}" << none << none;
+    QTest::newRow("link that leaves the stick")
+        << "notice.txt"
+        << "link"
+        << "/etc/hostname" << QString() << "link-leaves-stick"
+        << "/etc/hostname" << none << none;
     QTest::newRow("no pattern") << "notes.doc"
                                 << "file" << QString() << QString() << "no-pattern" << QString()
                                 << none << none;
@@ -139,6 +154,8 @@ void TestCheck::commandLine_data()
         << QString();
     QTest::newRow("nothing offered")
         << QStringList{"/tmp/config"} << 3 << "nothing on /tmp/config would be offered";
+    QTest::newRow("refused mount directory")
+        << QStringList{"/tmp/a;b"} << 3 << "the program refuses /tmp/a;b: it holds ';'";
     QTest::newRow("no directory") << QStringList{} << 2 << "expected one mount directory";
     QTest::newRow("two directories")
         << QStringList{stick, stick} << 2 << "expected one mount directory";
