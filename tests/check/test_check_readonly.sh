@@ -17,16 +17,7 @@ trap 'rm -rf "$work"' EXIT
 ' check "$source_dir" "$build" >"$work/out"
 status=$?
 
-passed=0 failed=0
-check() { # check DESCRIPTION COMMAND...
-    if "${@:2}"; then
-        passed=$((passed + 1))
-        echo "PASS: $1"
-    else
-        failed=$((failed + 1))
-        echo "FAIL: $1"
-    fi
-}
+source "$source_dir/tests/support/cases.sh"
 copy_only() {
     local expected
     expected=$( (echo "A /var/tmp/stick/" && ls -A "$source_dir/sim/stick" | sed 's|^|A /var/tmp/stick/|') | sort)
@@ -38,5 +29,4 @@ check "the report offers the sample stick's picture" grep -q '^  beach\.jpg  *De
 check "nothing changed but the copy made for the test" copy_only
 check "no shell command and no tool call" \
     [ "$(grep -c '^  (none)$' "$work/report")" -eq 2 ]
-echo "$passed passed, $failed failed"
-[ "$failed" -eq 0 ]
+finish

@@ -20,21 +20,7 @@ if ! [ -w "$build" ] || ! touch "$build/.package-test" 2>/dev/null; then
 fi
 rm -f "$build/.package-test"
 
-passed=0 failed=0
-check() { # check DESCRIPTION COMMAND...: one case
-    if "${@:2}"; then
-        passed=$((passed + 1))
-        echo "PASS: $1"
-    else
-        failed=$((failed + 1))
-        echo "FAIL: $1"
-    fi
-}
-finish() {
-    echo "$passed passed, $failed failed"
-    [ "$failed" -eq 0 ]
-    exit
-}
+source "$source_dir/tests/support/cases.sh"
 
 work=$(mktemp -d /tmp/package-test.XXXXXX)
 
