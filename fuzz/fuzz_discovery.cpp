@@ -1,11 +1,8 @@
-// libFuzzer target for package discovery. Each input becomes a fresh stick, and what the scan of
-// start-up offers and the debug lines it writes must be exactly what the directory itself gives:
-// its entries, their kinds and where links end as the system reports them, the C library's UTF-8
-// decoder for which names are text, fnmatch for the type table's patterns. The table and the
-// shell-unsafe characters are the program's. Input: records of a kind byte, a suffix byte (below
-// twice the table's pattern count it appends a pattern without '*', odd ones in capitals), a target
-// byte (which earlier entry a link names), a length byte and that many name bytes ('/' and NUL
-// dropped).
+// libFuzzer target for package discovery. Each input (records: kind, suffix, target and length
+// bytes, then that many name bytes; see build()) becomes a fresh stick, and what the scan of
+// start-up offers and the debug lines it writes must be exactly what the directory gives: entries,
+// kinds and link ends as the system reports them, the C library's UTF-8 decoder for which names
+// are text, fnmatch against the type table's patterns (table and shell-unsafe characters shared).
 
 #include "PackageTypes.h"
 #include "RcList.h"
@@ -30,8 +27,9 @@ namespace {
 namespace fs = std::filesystem;
 QStringList messages; // the scan's, kept rather than printed
 
-// The name's text when its bytes are well-formed UTF-8, else nothing: no other name can be spelt
-// as text (decoding would turn several into one that names no file), so none may be listed.
+// The name's text when its bytes are well-formed UTF-8 (mbstowcs lets code points above U+10FFFF
+// through), else nothing: no other name can be spelt as text, so none may be listed. The '/'
+// keeps a leading byte order mark, part of the name, which converting from UTF-32 drops.
 QString textOf(const std::string &bytes)
 {
     static const locale_t utf8 = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
@@ -40,16 +38,14 @@ QString textOf(const std::string &bytes)
     const size_t length = std::mbstowcs(text.data(), bytes.c_str(), text.size());
     uselocale(before);
     text.resize(length == static_cast<size_t>(-1) ? 0 : length);
-    const bool beyondUnicode = // which the C library lets through
+    const bool beyondUnicode =
         std::any_of(text.begin(), text.end(), [](wchar_t c) { return c > 0x10FFFF; });
-    // Converting from UTF-32 drops a leading byte order mark, which is part of a name.
     return beyondUnicode ? QString() : QString::fromStdWString(L'/' + text).mid(1);
 }
 
-// Scans dir: type by type in table order and by name with case, it must offer every matching
-// entry it looks at (a name that is text, not hidden, no folder) that may reach a shell (no
-// shell-unsafe character, no leading '-') and is a regular file or a link ending at one on the
-// stick, and write one line for each other matching entry, where it first meets it.
+// Scans dir: type by type in table order and by name with case, it must offer each matching entry
+// it looks at (text, not hidden, no folder) whose name may reach a shell (no shell-unsafe character
+// or leading '-') and that is a file or links to one on the stick, and report each other once.
 void scanAndCheck(const std::string &dir)
 {
     const std::string root = fs::canonical(dir).string() + '/';
@@ -66,8 +62,7 @@ void scanAndCheck(const std::string &dir)
         if (!safe || error || target.rfind(root, 0) != 0 ||
             !fs::is_regular_file(entry.status(error)))
             QDebug(&line).nospace() << text << " is not offered: ";
-        // The toolkit's name filters fold case the Unicode way: besides ASCII pairs, U+017F LATIN
-        // SMALL LETTER LONG S folds to 's' and U+212A KELVIN SIGN to 'k'; fnmatch does the rest.
+        // Name filters fold U+017F (long s) to 's' and U+212A (Kelvin) to 'k'; fnmatch folds ASCII.
         stick[text] = {
             QString(text).replace(QChar(0x17F), 's').replace(QChar(0x212A), 'k').toUtf8(), line};
     }
@@ -98,10 +93,11 @@ void scanAndCheck(const std::string &dir)
                 .arg(got.join(QLatin1Char('\n')), (want + lines).join(QLatin1Char('\n')))));
 }
 
-// Makes the stick's entries, by kind byte modulo 12: 0 a regular file, 1 a hidden one, 2 a
-// folder holding a picture, 3 a link to an earlier entry, 4 a dangling link, 5 a link to the
-// stick or its parent, 6 a link to itself, 7 a FIFO, 8 a hard link to an earlier entry, 9 a
-// link to a device, 10 and 11 links to a file beside the stick, by absolute path and by "..".
+// Makes the stick's entries. Kind byte modulo 12: 0 a file, 1 a hidden one, 2 a folder holding a
+// picture, links (3) to an earlier entry, (4) to nothing, (5) to the stick or its parent, (6) to
+// itself, 7 a FIFO, 8 a hard link to an earlier entry (the target byte picks it), links (9) to a
+// device, (10, 11) to a file beside the stick, by absolute path and by "..". A suffix byte below
+// twice the table's pattern count appends one without its '*' (odd bytes: in capitals).
 void build(const uint8_t *data, size_t size, const std::string &base)
 {
     QStringList patterns;
@@ -125,12 +121,17 @@ void build(const uint8_t *data, size_t size, const std::string &base)
         const std::string links[] = {
             earlier,     "no such file.jpg",    target % 2 ? "." : "..", name, "", "",
             "/dev/null", base + "/outside.jpg", "../outside.jpg"};
-        const mode_t mode = (kind == 7 ? S_IFIFO : S_IFREG) | 0644;
-        if (kind <= 1 || kind == 7 ? mknod(path.c_str(), mode, 0) == 0
-            : kind == 2            ? mkdir(path.c_str(), 0755) == 0 &&
-                              mknod((path + "/inner.jpg").c_str(), mode, 0) == 0
-            : kind == 8 ? link((stick + earlier).c_str(), path.c_str()) == 0
-                        : symlink(links[kind - 3].c_str(), path.c_str()) == 0)
+        bool ok = false;
+        if (kind <= 1 || kind == 7)
+            ok = mknod(path.c_str(), (kind == 7 ? S_IFIFO : S_IFREG) | 0644, 0) == 0;
+        else if (kind == 2)
+            ok = mkdir(path.c_str(), 0755) == 0 &&
+                 mknod((path + "/inner.jpg").c_str(), S_IFREG | 0644, 0) == 0;
+        else if (kind == 8)
+            ok = link((stick + earlier).c_str(), path.c_str()) == 0;
+        else
+            ok = symlink(links[kind - 3].c_str(), path.c_str()) == 0; // links[0] is kind 3
+        if (ok)
             made.push_back(name);
     }
 }
@@ -140,7 +141,6 @@ void build(const uint8_t *data, size_t size, const std::string &base)
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     const std::string base = fs::temp_directory_path() / ("usbi-fuzz-" + std::to_string(getpid()));
-    fs::remove_all(base); // left by an earlier process with the same id
     fs::create_directories(base + "/stick");
     mknod((base + "/outside.jpg").c_str(), S_IFREG | 0644, 0);
     build(data, size, base);
