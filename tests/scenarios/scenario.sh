@@ -1,0 +1,178 @@
+#!/usr/bin/env bash
+# Runs scenarios of the installers and the program on the simulated client and compares each
+# transcript with the expected one checked in beside it (NAME.scenario, NAME.expected).
+#
+#   scenario.sh [--update] NAME.scenario...   compare, or (--update) rewrite the expectations
+#
+# A scenario is a list of steps in shell syntax, so that any name can be written ($'a\nb.jpg'):
+#   sim OPTIONS...          options of sim/run for the whole scenario (--marker, --legacy, ...)
+#   say TEXT                a line of the transcript saying what comes next
+#   put PATH [CONTENT]      a file: a bare PATH on the stick ($stick), else on the client; the
+#                           content is the file's own name unless given
+#   tool NAME|PATH STATUS   the client tool records its call, then exits STATUS ("pass": runs
+#                           the real one)
+#   scan                    what the program's scan offers of the stick, and why not the rest
+#   install TYPE FILE...    one installation, as the window's worker runs it
+#   step TITLE COMMAND...   any other command as a step
+#   check ARGS...           the stick check on the stick
+#   program ARGS...         the program itself, offscreen; "window" as the last word waits until
+#                           its window is open, then closes it
+# Any other shell command prepares the client or the stick between steps. Each step's
+# transcript holds its output and status, the shell commands the program ran, the calls of the
+# client's tools, and every file the step created, changed or removed (text shown, else digest).
+set -uo pipefail
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+source_dir=$(cd "$here/../.." && pwd)
+
+if [[ ${USBI_SIM:-} != 1 ]]; then
+    export USBI_BINARY_DIR=${USBI_BINARY_DIR:-$source_dir/build}
+    update=0 failed=0
+    [[ ${1:-} == --update ]] && { update=1; shift; }
+    for scenario; do
+        expected=${scenario%.scenario}.expected
+        eval "options=($(sed -n 's/^sim //p' "$scenario"))"
+        actual=$("$source_dir/sim/run" --quiet "${options[@]}" -- "$here/scenario.sh" "$(realpath "$scenario")")
+        if ((update)); then
+            printf '%s\n' "$actual" >"$expected"
+        elif ! diff -u --label expected --label actual "$expected" - <<<"$actual"; then
+            echo "scenario $scenario: the transcript differs (scenario.sh --update after review)"
+            failed=1
+        fi
+    done
+    exit "$failed"
+fi
+
+build=${USBI_BINARY_DIR:?}
+stick=/media/usb0
+work=/var/lib/scenario
+changes=/var/lib/sim-changes
+mkdir -p "$stick" "$work/bin" "$work/cwd" && mkdir -m 0700 "$work/runtime"
+export PATH=$work/bin:$PATH XDG_RUNTIME_DIR=$work/runtime HOME=/root
+# Commands that a name could redirect or retarget write into the working folder, which is
+# watched like every other place.
+cd "$work/cwd" || exit 1
+# Started by name, as the client starts them.
+ln -sf "$build/usb-installer" "$build/usb-stick-check" /usr/local/bin/
+
+sim() { :; }
+say() { printf '\n# %s\n' "$*"; }
+
+put() {
+    local path=$1
+    [[ $path == /* ]] || path=$stick/$path
+    mkdir -p "$(dirname "$path")"
+    printf '%s' "${2-$1}" >"$path"
+}
+
+tool() {
+    local path=$1
+    [[ $path == /* ]] || path=$work/bin/$1
+    rm -f "$path"
+    {
+        printf '#!/bin/bash\n. %q\nsim_record "$@"\n' "$source_dir/sim/lib/record.sh"
+        printf 'echo "$SIM_TOOL: QT_XCB_GL_INTEGRATION=${QT_XCB_GL_INTEGRATION-unset}" >>%q\n' "$work/env.log"
+        if [[ $2 == pass ]]; then
+            printf 'PATH=${PATH#%q:} exec "$SIM_TOOL" "$@"\n' "$work/bin"
+        else
+            printf 'exit %d\n' "$2"
+        fi
+    } >"$path"
+    chmod 755 "$path"
+}
+
+# One line per file the simulated client has changed so far: its path and what it holds.
+state() {
+    (cd "$changes" && find . \( ! -type d -o -empty \) -print0) | while IFS= read -r -d '' p; do
+        p=${p#.}
+        case $p in /var/log/sim/* | "$work"/* | /root/* | /var/lib/sim/inside) continue ;; esac
+        if [[ -c $changes$p && ! -e $p ]]; then
+            printf '%s\tremoved\n' "$p"
+        elif [[ -L $p ]]; then
+            printf '%s\t-> %s\n' "$p" "$(readlink "$p")"
+        elif [[ -d $p ]]; then
+            printf '%s/\t(folder)\n' "$p"
+        elif [[ -f $p ]]; then
+            printf '%s\t%s\n' "$p" "$(md5sum <"$p" | cut -c1-32)"
+        fi
+    done | sort
+}
+
+show() {
+    local p=${1%%$'\t'*} what=${1#*$'\t'}
+    if [[ $what != [0-9a-f]* ]]; then
+        printf '%s %s\n' "$p" "$what"
+    elif [[ ! -s $p ]]; then
+        printf '%s: empty\n' "$p"
+    elif (($(stat -c %s "$p") <= 600)) && ! LC_ALL=C grep -q '[^[:print:][:space:]]' "$p"; then
+        printf '%s:\n' "$p"
+        sed 's/^/  | /' "$p"
+        [[ -z $(tail -c1 "$p") ]] || printf '\n  (no line end)\n'
+    else
+        printf '%s: %s bytes, md5 %s\n' "$p" "$(stat -c %s "$p")" "$what"
+    fi
+}
+
+section() {
+    [[ -s $2 ]] || return 0
+    printf '%s:\n' "$1"
+    sed 's/^/  /' "$2"
+}
+
+# step TITLE COMMAND...: runs the command as one step and writes its transcript.
+step() {
+    local title=$1 before status
+    shift
+    before=$(state)
+    : >"$DAX_SHELL_LOG"
+    : >"$SIM_CALL_LOG"
+    : >"$work/env.log"
+    printf '\n$ %s\n' "$title"
+    # Into a file, not a pipe: desktop programs the step starts keep running.
+    "$@" >"$work/out" 2>&1
+    status=$?
+    # Desktop programs started in the background record their calls in their own time.
+    grep ' &$' "$DAX_SHELL_LOG" | while IFS=' ' read -r started _; do
+        for _ in $(seq 50); do grep -q "^$started\( \|\$\)" "$SIM_CALL_LOG" && break; sleep 0.1; done
+    done
+    sort -o "$SIM_CALL_LOG" "$SIM_CALL_LOG"
+    # Object addresses in the toolkit's warnings differ from run to run.
+    sed -E 's/^/  /; s/0x[0-9a-f]{6,}/0x.../g' "$work/out"
+    printf 'status %d\n' "$status"
+    section shell "$DAX_SHELL_LOG"
+    section calls "$SIM_CALL_LOG"
+    section environment "$work/env.log"
+    comm -13 <(printf '%s\n' "$before") <(state) | grep . | while IFS= read -r line; do show "$line"; done >"$work/changed"
+    comm -23 <(printf '%s\n' "$before" | cut -f1) <(state | cut -f1) | grep . | sed 's/$/ gone/' >>"$work/changed"
+    section changed "$work/changed"
+}
+
+words() { (($# == 0)) || printf ' %q' "$@"; }
+scan() { step "scan" "$build/scenario-tool" scan "$stick"; }
+install() { step "install$(words "$@")" "$build/scenario-tool" install "$1" "$stick" "${@:2}"; }
+check() { step "check$(words "$@")" usb-stick-check "$@" "$stick"; }
+program() {
+    if [[ ${*: -1} == window ]]; then
+        step "program$(words "$@")" program_window "${@:1:$#-1}"
+    else
+        step "program$(words "$@")" env QT_QPA_PLATFORM=offscreen timeout 120 usb-installer "$@"
+    fi
+}
+
+# The program with its window: open once the stray prompts have been cleaned up, and still
+# open a second later.
+program_window() {
+    QT_QPA_PLATFORM=offscreen usb-installer "$@" &
+    local pid=$! i
+    for i in $(seq 300); do
+        grep -q 'killall \[wpassword\]' "$SIM_CALL_LOG" && break
+        sleep 0.1
+    done
+    sleep 1
+    kill -0 "$pid" 2>/dev/null && echo "window open"
+    kill "$pid" 2>/dev/null
+    wait "$pid" 2>/dev/null
+    return 0
+}
+
+# shellcheck source=/dev/null
+source "$1"
