@@ -80,36 +80,31 @@ tool() {
     chmod 755 "$path"
 }
 
-# One line per file the simulated client has changed so far: its path and what it holds.
+# One line per file the simulated client has changed so far: its kind, size, time and path.
+# Removed files show as character devices, folders only while empty.
 state() {
-    (cd "$changes" && find . \( ! -type d -o -empty \) -print0) | while IFS= read -r -d '' p; do
-        p=${p#.}
-        case $p in /var/log/sim/* | "$work"/* | /root/* | /var/lib/sim/inside) continue ;; esac
-        if [[ -c $changes$p && ! -e $p ]]; then
-            printf '%s\tremoved\n' "$p"
-        elif [[ -L $p ]]; then
-            printf '%s\t-> %s\n' "$p" "$(readlink "$p")"
-        elif [[ -d $p ]]; then
-            printf '%s/\t(folder)\n' "$p"
-        elif [[ -f $p ]]; then
-            printf '%s\t%s\n' "$p" "$(md5sum <"$p" | cut -c1-32)"
-        fi
-    done | sort
+    (cd "$changes" && find . \( ! -type d -o -empty \) -printf '%y %s %T@ %p\n') | sed 's| \./| /|' |
+        grep -a -v -E "^[^ ]+ [^ ]+ [^ ]+ (/var/log/sim/|$work/|/root/|/var/lib/sim/inside)" | sort
 }
 
 show() {
-    local p=${1%%$'\t'*} what=${1#*$'\t'}
-    if [[ $what != [0-9a-f]* ]]; then
-        printf '%s %s\n' "$p" "$what"
-    elif [[ ! -s $p ]]; then
-        printf '%s: empty\n' "$p"
-    elif (($(stat -c %s "$p") <= 600)) && ! LC_ALL=C grep -q '[^[:print:][:space:]]' "$p"; then
-        printf '%s:\n' "$p"
-        sed 's/^/  | /' "$p"
-        [[ -z $(tail -c1 "$p") ]] || printf '\n  (no line end)\n'
-    else
-        printf '%s: %s bytes, md5 %s\n' "$p" "$(stat -c %s "$p")" "$what"
-    fi
+    local kind=$1 p=${1#* * * }
+    case $kind in
+    c*) printf '%s removed\n' "$p" ;;
+    l*) printf '%s -> %s\n' "$p" "$(readlink "$p")" ;;
+    d*) printf '%s/ (folder)\n' "$p" ;;
+    *)
+        if [[ ! -s $p ]]; then
+            printf '%s: empty\n' "$p"
+        elif (($(stat -c %s "$p") <= 600)) && ! LC_ALL=C grep -a -q '[^[:print:][:space:]]' "$p"; then
+            printf '%s:\n' "$p"
+            sed 's/^/  | /' "$p"
+            [[ -z $(tail -c1 "$p") ]] || printf '\n  (no line end)\n'
+        else
+            printf '%s: %s bytes, md5 %s\n' "$p" "$(stat -c %s "$p")" "$(md5sum <"$p" | cut -c1-32)"
+        fi
+        ;;
+    esac
 }
 
 section() {
@@ -120,7 +115,7 @@ section() {
 
 # step TITLE COMMAND...: runs the command as one step and writes its transcript.
 step() {
-    local title=$1 before status
+    local title=$1 before after status
     shift
     before=$(state)
     : >"$DAX_SHELL_LOG"
@@ -131,8 +126,8 @@ step() {
     "$@" >"$work/out" 2>&1
     status=$?
     # Desktop programs started in the background record their calls in their own time.
-    grep ' &$' "$DAX_SHELL_LOG" | while IFS=' ' read -r started _; do
-        for _ in $(seq 50); do grep -q "^$started\( \|\$\)" "$SIM_CALL_LOG" && break; sleep 0.1; done
+    grep -a ' &$' "$DAX_SHELL_LOG" | while IFS=' ' read -r started _; do
+        for _ in $(seq 50); do grep -a -q "^$started\( \|\$\)" "$SIM_CALL_LOG" && break; sleep 0.1; done
     done
     sort -o "$SIM_CALL_LOG" "$SIM_CALL_LOG"
     # Object addresses in the toolkit's warnings differ from run to run.
@@ -141,8 +136,11 @@ step() {
     section shell "$DAX_SHELL_LOG"
     section calls "$SIM_CALL_LOG"
     section environment "$work/env.log"
-    comm -13 <(printf '%s\n' "$before") <(state) | grep . | while IFS= read -r line; do show "$line"; done >"$work/changed"
-    comm -23 <(printf '%s\n' "$before" | cut -f1) <(state | cut -f1) | grep . | sed 's/$/ gone/' >>"$work/changed"
+    after=$(state)
+    comm -13 <(printf '%s\n' "$before") <(printf '%s\n' "$after") | grep . | sort -t' ' -k4 |
+        while IFS= read -r line; do show "$line"; done >"$work/changed"
+    comm -23 <(printf '%s\n' "$before" | cut -d' ' -f4- | sort) <(printf '%s\n' "$after" | cut -d' ' -f4- | sort) |
+        grep . | sed 's/$/ gone/' >>"$work/changed"
     section changed "$work/changed"
 }
 
@@ -164,7 +162,7 @@ program_window() {
     QT_QPA_PLATFORM=offscreen usb-installer "$@" &
     local pid=$! i
     for i in $(seq 300); do
-        grep -q 'killall \[wpassword\]' "$SIM_CALL_LOG" && break
+        grep -a -q 'killall \[wpassword\]' "$SIM_CALL_LOG" && break
         sleep 0.1
     done
     sleep 1
