@@ -1,0 +1,386 @@
+#include "Dispatch.h"
+#include "InstallJob.h"
+#include "InstallerDlg.h"
+#include "MgrDlg.h"
+#include "PackageTypes.h"
+#include "RcList.h"
+#include "SimClient.h"
+#include "TypeRow.h"
+
+#include <QAbstractButton>
+#include <QDir>
+#include <QLabel>
+#include <QListWidget>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QScreen>
+#include <QSemaphore>
+#include <QStackedWidget>
+#include <QTableWidget>
+#include <QTimer>
+#include <QtTest>
+
+#include <algorithm>
+#include <atomic>
+#include <functional>
+#include <iterator>
+#include <memory>
+#include <utility>
+
+// The main window and the progress dialog, driven like an administrator drives them, inside the
+// simulated client.
+namespace {
+
+// Stands between the worker and the installers: counts the installations, runs them (or not)
+// and, while hold is set, keeps each one from ending until the test releases it.
+struct Gate
+{
+    std::atomic<int> runs{0};
+    std::atomic<bool> install{true};
+    std::atomic<bool> hold{false};
+    std::atomic<QThread *> worker{nullptr};
+    QSemaphore started, release;
+} gate;
+
+int gated(InstallJob *job, ClientAccess &client)
+{
+    const int result = gate.install ? installers::dispatch(job, client) : 1;
+    ++gate.runs;
+    gate.worker = QThread::currentThread();
+    gate.started.release();
+    if (gate.hold)
+        gate.release.acquire();
+    return result;
+}
+
+QStringList split(const QString &list) // "a,b" as {"a", "b"}, "" as {}
+{
+    return list.split(QLatin1Char(','), Qt::SkipEmptyParts);
+}
+
+template <typename T> T *child(QWidget *window, const char *name)
+{
+    return window->findChild<T *>(QLatin1String(name));
+}
+
+// The list or table of files on the window's current page.
+QAbstractItemView *filesView(QWidget *window)
+{
+    return child<QStackedWidget>(window, "sw")->currentWidget()->findChild<QAbstractItemView *>();
+}
+
+// What a list shows; for the table, per row: the file name ("" for none), "|", then "x" ticked,
+// " " not ticked, "-" no box.
+QStringList rows(QAbstractItemView *view)
+{
+    QStringList result;
+    auto *table = qobject_cast<QTableWidget *>(view);
+    for (int row = 0; row < view->model()->rowCount(); ++row) {
+        result.append(view->model()->index(row, 0).data().toString());
+        if (const auto *box =
+                table ? qobject_cast<QAbstractButton *>(table->cellWidget(row, 1)) : nullptr)
+            result.last() += QLatin1String(box->isChecked() ? "|x" : "| ");
+        else if (table)
+            result.last() += QLatin1String("|-");
+    }
+    return result;
+}
+
+// Clicks as a user would, once the window has settled: the row of a list showing text, else the
+// middle of a button or the box of a check box.
+void click(QWidget *widget, const QString &text = QString())
+{
+    QCoreApplication::processEvents(); // lets views place their rows and cell widgets
+    QVERIFY(widget->isVisible());
+    QPoint at = widget->rect().center();
+    if (auto *list = qobject_cast<QListWidget *>(widget)) {
+        const QList<QListWidgetItem *> found = list->findItems(text, Qt::MatchExactly);
+        QCOMPARE(found.size(), 1);
+        widget = list->viewport();
+        at = list->visualItemRect(found.first()).center();
+    } else if (!qobject_cast<QPushButton *>(widget)) {
+        at.setX(widget->style()->pixelMetric(QStyle::PM_IndicatorWidth) / 2 + 1);
+    }
+    QTest::mouseClick(widget, Qt::LeftButton, {}, at);
+}
+
+// Once the progress dialog shows: runs check inside its modal loop, lets the held installation
+// end and waits for the dialog to close itself; one that does not is closed here so that the
+// test goes on.
+class DialogWatch : public QObject
+{
+public:
+    explicit DialogWatch(std::function<void(QDialog *)> check) : check(std::move(check))
+    {
+        qApp->installEventFilter(this);
+    }
+    bool shown = false;
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        auto *dialog = qobject_cast<InstallerDlg *>(watched);
+        if (!dialog || event->type() != QEvent::Show || std::exchange(shown, true))
+            return false;
+        QTimer::singleShot(0, this, [this, dialog] {
+            check(dialog);
+            gate.release.release();
+            if (!QTest::qWaitFor([dialog] { return !dialog->isVisible(); })) {
+                dialog->done(QDialog::Rejected);
+                QFAIL("the progress dialog stayed open after its installation");
+            }
+        });
+        return false;
+    }
+
+private:
+    const std::function<void(QDialog *)> check;
+};
+
+// Where a window of this size lands: its centre on the centre of the first screen's available
+// area, a centre being ((left + right) / 2, (top + bottom) / 2) with right = left + width - 1.
+QPoint centredPosition(const QSize &size)
+{
+    const QRect area = QGuiApplication::screens().first()->availableGeometry();
+    return QPoint((2 * area.left() + area.width() - 1) / 2 - (size.width() - 1) / 2,
+                  (2 * area.top() + area.height() - 1) / 2 - (size.height() - 1) / 2);
+}
+
+const PackageType &typeOf(const QListWidgetItem *item)
+{
+    return PackageTypes::all().at(item->data(Qt::UserRole).toUInt());
+}
+
+std::unique_ptr<RcList> scanStick(const QStringList &files)
+{
+    auto list = std::make_unique<RcList>(simclient::makeStick(files));
+    scanEveryType(*list);
+    return list;
+}
+
+} // namespace
+
+class TestWindows : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { simclient::requireSim(); }
+
+    void init()
+    {
+        simclient::clearLogs();
+        gate.runs = 0;
+        gate.install = true;
+        gate.hold = false;
+        gate.started.tryAcquire(gate.started.available());
+        gate.release.tryAcquire(gate.release.available());
+    }
+
+    void typeListConventionsAndQuit()
+    {
+        // The client's style sheet: read as Latin-1, up to the first zero byte.
+        QFile css(QStringLiteral("/tmp/.config/default.css"));
+        QVERIFY(QDir().mkpath(QStringLiteral("/tmp/.config")) && css.open(QIODevice::WriteOnly));
+        css.write(QByteArray("QLabel { } /* caf\xe9 */\0QLabel { color: red; }", 44));
+        css.close();
+        const auto list = scanStick({"p.ppd", "c.crt", "f.tar", "ScreenConnect.ClientSetup.deb",
+                                     "w.jpg", "l.png", "v.ovpn", "r.rdp", "d.txt"});
+        MgrDlg window(list.get(), gated);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        auto *types = child<QListWidget>(&window, "lwType");
+        QCOMPARE(rows(types).join(QLatin1Char(',')),
+                 QStringLiteral("Certificate,Desktop Image,Disclaimer,Firmware Update,Icon,"
+                                "Imprivata Card Image,Imprivata Login Image,Imprivata Wallpaper,"
+                                "OpenVPN,Printer Driver,RDP file,Screen Connect,ScreenSaver,"
+                                "Wallpaper"));
+        QCOMPARE(types->currentRow(), 0);
+        for (int row = 0; row < types->count(); ++row) {
+            const PackageType &type = typeOf(types->item(row));
+            QCOMPARE(type.name(), types->item(row)->text());
+            QVERIFY2(!types->item(row)->icon().pixmap(32).isNull(), qPrintable(type.iconPath()));
+        }
+        // The title row keeps the memory stick whatever type is current.
+        click(types, QStringLiteral("Wallpaper"));
+        QVERIFY(!child<QLabel>(&window, "lIcon")->pixmap(Qt::ReturnByValue).isNull());
+        QCOMPARE(child<QLabel>(&window, "lTitle")->text(), QStringLiteral("USB Installer"));
+        QVERIFY(child<QLabel>(&window, "lTitle")->font().bold());
+
+        gate.install = false;
+        InstallJob job(typeRow("wallpaper"), list->dir, {"w.jpg"});
+        InstallerDlg dialog(&job, gated);
+        QVERIFY(!child<QLabel>(&dialog, "lIInstaller")->pixmap(Qt::ReturnByValue).isNull());
+        QCOMPARE(child<QProgressBar>(&dialog, "pbInstall")->maximum(), 0); // busy, no percentage
+        css.remove();
+        const std::pair<QWidget *, QSize> both[] = {{&window, {653, 351}}, {&dialog, {320, 90}}};
+        for (const auto &[shown, size] : both) {
+            QCOMPARE(shown->windowTitle(), QStringLiteral("USB Installer"));
+            QCOMPARE(shown->windowType(), Qt::Dialog);
+            QCOMPARE(shown->minimumSize(), size);
+            QCOMPARE(shown->maximumSize(), size);
+            QCOMPARE(shown->pos(), centredPosition(size));
+            QCOMPARE(shown->styleSheet(), QStringLiteral("QLabel { } /* caf\u00e9 */"));
+        }
+
+        click(child<QPushButton>(&window, "bQuit"));
+        QVERIFY(!window.isVisible());
+    }
+
+    void install_data()
+    {
+        QTest::addColumn<QString>("files");
+        QTest::addColumn<QString>("type");
+        QTest::addColumn<QString>("chosen"); // left ticked, or the one row clicked
+        QTest::addColumn<QString>("folder"); // where in the client's tree the chosen files land
+        QTest::addColumn<QString>("once");   // a tool the one installation runs once
+        const auto add = [](const char *name, const QString &files, const QString &type,
+                            const QString &chosen, const QString &folder, const QString &once) {
+            QTest::newRow(name) << files << type << chosen << folder << once;
+        };
+
+        add("three ticked drivers make one installation", "x one.ppd,y two.ppd,z three.ppd,r.crt",
+            "Printer Driver", "x one.ppd,y two.ppd,z three.ppd", "ppd", "ppddb");
+        // Printer Driver, shown before, leaves two surplus rows on the certificates' page.
+        add("ticked certificates only", "p1.ppd,p2.ppd,p3.ppd,p4.ppd,p5.ppd,c1.cer,c2.pem,c3.der",
+            "Certificate", "c1.cer,c3.der", "cacerts", "freeze");
+        add("the chosen wallpaper", "my wall.png,Z.bmp,a.bmp,z.txt", "Wallpaper", "my wall.png",
+            "wallpapers", "setwp");
+        add("nothing ticked opens no dialog", "n1.crt,n2.crt", "Certificate", "", "cacerts", "");
+    }
+
+    void install()
+    {
+        QFETCH(QString, files);
+        QFETCH(QString, type);
+        QFETCH(QString, chosen);
+        QFETCH(QString, folder);
+        QFETCH(QString, once);
+
+        const auto list = scanStick(split(files));
+        MgrDlg window(list.get(), gated);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        QCOMPARE(window.styleSheet(), QString()); // the client has none
+        auto *types = child<QListWidget>(&window, "lwType");
+        int most = 0; // rows the table needs for the type with the most files
+        for (int row = types->count() - 1; row >= 0; --row) {
+            click(types, types->item(row)->text());
+            const PackageType &visited = typeOf(types->item(row));
+            if (visited.page == SelectionPage::Multi)
+                most = std::max(most, int(list->filesOfType(visited.typeKey()).size()));
+        }
+        click(types, type);
+        const PackageType &shownType = typeOf(types->currentItem());
+        const int filled = list->filesOfType(shownType.typeKey()).size();
+
+        QAbstractItemView *view = filesView(&window);
+        if (auto *table = qobject_cast<QTableWidget *>(view)) {
+            // Every file ticked; the rows a type with more files left behind stay empty.
+            const QStringList shown = rows(table);
+            QCOMPARE(shown.size(), most);
+            QCOMPARE(shown.filter(QStringLiteral("|x")).size(), filled);
+            QCOMPARE(shown.mid(filled).join(QString()),
+                     QStringLiteral("|-").repeated(shown.size() - filled));
+            for (int row = 0; row < filled; ++row) {
+                if (!split(chosen).contains(table->item(row, 0)->text()))
+                    click(table->cellWidget(row, 1));
+            }
+            QCOMPARE(rows(table).filter(QStringLiteral("|x")).size(), split(chosen).size());
+        } else {
+            QStringList sorted = rows(view); // by code point, as in the C locale
+            sorted.sort();
+            QCOMPARE(rows(view), sorted);
+            QCOMPARE(sorted.size(), filled);
+            QCOMPARE(view->currentIndex().row(), 0);
+            click(view, chosen);
+        }
+        const QStringList before = rows(view);
+
+        gate.hold = true;
+        DialogWatch watch([&](QDialog *dialog) {
+            QVERIFY(!window.isVisible());
+            QCOMPARE(child<QLabel>(dialog, "lInstall")->text(), shownType.progressLabel());
+        });
+        // Returns when the modal progress dialog has closed again.
+        click(child<QPushButton>(&window,
+                                 qobject_cast<QTableWidget *>(view) ? "bMInstall" : "bSInstall"));
+        QCOMPARE(watch.shown, !chosen.isEmpty());
+        QCOMPARE(gate.runs.load(), chosen.isEmpty() ? 0 : 1);
+        QVERIFY(window.isVisible());
+        QCOMPARE(types->currentItem()->text(), type);
+        QCOMPARE(rows(view), before);
+
+        // Only the chosen files landed, each in the client's tree under its own name.
+        const QString tree = QStringLiteral("/tmp/config/files/") + folder + QLatin1Char('/');
+        for (const QString &file : split(files)) {
+            const bool landed = QFile::exists(tree + file);
+            QVERIFY2(landed == split(chosen).contains(file), qPrintable(file));
+            QVERIFY(!landed || simclient::readFile(tree + file) == file.toUtf8());
+        }
+        if (!once.isEmpty())
+            QCOMPARE(simclient::calls(once).size(), 1);
+    }
+
+    void dialogRefusesToCloseUntilDone_data()
+    {
+        QTest::addColumn<QString>("text"); // the firmware update's own text is never shown
+        const char *const texts[] = {"ppd",           "Installing printer drivers...",
+                                     "cert",          "Installing certificates...",
+                                     "update",        "Installing...",
+                                     "ScreenConnect", "Installing Screen Connect...",
+                                     "wallpaper",     "Installing wallpaper...",
+                                     "icon",          "Installing icon...",
+                                     "desktop",       "Installing Desktop Image...",
+                                     "screensaver",   "Screensaver image(s)...",
+                                     "iwallpaper",    "Installing Imprivata Wallpaper Image...",
+                                     "ilogo",         "Installing Imprivata Login Image...",
+                                     "iproxcard",     "Installing Imprivata Card Image...",
+                                     "openvpn",       "Installing OpenVPN client config...",
+                                     "rdpfile",       "Importing RDP file settings...",
+                                     "disclaimer",    "Importing disclaimer..."};
+        for (size_t i = 0; i < std::size(texts); i += 2)
+            QTest::newRow(texts[i]) << QString::fromLatin1(texts[i + 1]);
+    }
+
+    void dialogRefusesToCloseUntilDone()
+    {
+        QFETCH(QString, text);
+
+        gate.install = false;
+        gate.hold = true;
+        InstallJob job(typeRow(QLatin1String(QTest::currentDataTag())), "/nowhere", {"file"});
+        InstallerDlg dialog(&job, gated);
+        dialog.show();
+        QVERIFY(gate.started.tryAcquire(1, 60000));
+        auto *label = child<QLabel>(&dialog, "lInstall");
+        QCOMPARE(label->text(), text);
+        // The close button, then Escape.
+        QVERIFY(!dialog.close());
+        QTest::keyClick(&dialog, Qt::Key_Escape);
+        QVERIFY(dialog.isVisible());
+        QCOMPARE(label->text(), text);
+
+        gate.release.release();
+        QTRY_VERIFY(!dialog.isVisible());
+        QCOMPARE(label->text(), QStringLiteral("Package(s) Installed"));
+        QCOMPARE(gate.runs.load(), 1);
+    }
+
+    void fastInstallerStillClosesTheDialog()
+    {
+        gate.install = false;
+        InstallJob job(typeRow("disclaimer"), QStringLiteral("/nowhere"), {"a.txt"});
+        InstallerDlg dialog(&job, gated);
+        // The worker ends before the dialog shows: its completion is already waiting.
+        QVERIFY(gate.started.tryAcquire(1, 60000));
+        gate.worker.load()->wait();
+        dialog.show();
+        QTRY_VERIFY(!dialog.isVisible());
+        QCOMPARE(child<QLabel>(&dialog, "lInstall")->text(),
+                 QStringLiteral("Package(s) Installed"));
+    }
+};
+
+QTEST_MAIN(TestWindows)
+#include "test_windows.moc"
