@@ -22,7 +22,7 @@ cmake --build build-asan -j2
 (cd build-asan && ctest --output-on-failure -j2)
 
 echo "== ThreadSanitizer: the window, dialog and worker tests"
-tsan_tests=(test_ui test_dispatch)
+tsan_tests=(test_windows)
 configure build-tsan thread
 cmake --build build-tsan -j2 --target "${tsan_tests[@]}" sim-getxmlconfig
 (cd build-tsan && ctest --output-on-failure -R "^($(IFS='|'; echo "${tsan_tests[*]}"))\$")
