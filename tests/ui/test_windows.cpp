@@ -13,6 +13,7 @@
 #include <QListWidget>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QScopeGuard>
 #include <QScreen>
 #include <QSemaphore>
 #include <QStackedWidget>
@@ -351,6 +352,8 @@ private slots:
         gate.hold = true;
         InstallJob job(typeRow(QLatin1String(QTest::currentDataTag())), "/nowhere", {"file"});
         InstallerDlg dialog(&job, gated);
+        // Ends the held worker also when a check fails, before the dialog waits for it.
+        const auto unblock = qScopeGuard([] { gate.release.release(); });
         dialog.show();
         QVERIFY(gate.started.tryAcquire(1, 60000));
         auto *label = child<QLabel>(&dialog, "lInstall");
@@ -362,7 +365,7 @@ private slots:
         QCOMPARE(label->text(), text);
 
         gate.release.release();
-        QTRY_VERIFY(!dialog.isVisible());
+        QVERIFY(QTest::qWaitFor([&dialog] { return !dialog.isVisible(); }));
         QCOMPARE(label->text(), QStringLiteral("Package(s) Installed"));
         QCOMPARE(gate.runs.load(), 1);
     }
@@ -376,7 +379,7 @@ private slots:
         QVERIFY(gate.started.tryAcquire(1, 60000));
         gate.worker.load()->wait();
         dialog.show();
-        QTRY_VERIFY(!dialog.isVisible());
+        QVERIFY(QTest::qWaitFor([&dialog] { return !dialog.isVisible(); }));
         QCOMPARE(child<QLabel>(&dialog, "lInstall")->text(),
                  QStringLiteral("Package(s) Installed"));
     }
