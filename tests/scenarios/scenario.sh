@@ -30,6 +30,7 @@ if [[ ${USBI_SIM:-} != 1 ]]; then
     [[ ${1:-} == --update ]] && { update=1; shift; }
     for scenario; do
         expected=${scenario%.scenario}.expected
+        options=()
         eval "options=($(sed -n 's/^sim //p' "$scenario"))"
         actual=$("$source_dir/sim/run" --quiet "${options[@]}" -- "$here/scenario.sh" "$(realpath "$scenario")")
         if ((update)); then
@@ -64,6 +65,7 @@ put() {
     printf '%s' "${2-$1}" >"$path"
 }
 
+# shellcheck disable=SC2016 # the shim expands these when it runs
 tool() {
     local path=$1
     [[ $path == /* ]] || path=$work/bin/$1
@@ -125,7 +127,8 @@ step() {
     # Into a file, not a pipe: desktop programs the step starts keep running.
     "$@" >"$work/out" 2>&1
     status=$?
-    # Desktop programs started in the background record their calls in their own time.
+    # Desktop programs started in the background record their calls in their own time: wait for
+    # them, and list the calls sorted (the shell log keeps the order).
     grep -a ' &$' "$DAX_SHELL_LOG" | while IFS=' ' read -r started _; do
         for _ in $(seq 50); do grep -a -q "^$started\( \|\$\)" "$SIM_CALL_LOG" && break; sleep 0.1; done
     done
@@ -160,8 +163,8 @@ program() {
 # open a second later.
 program_window() {
     QT_QPA_PLATFORM=offscreen usb-installer "$@" &
-    local pid=$! i
-    for i in $(seq 300); do
+    local pid=$!
+    for _ in $(seq 300); do
         grep -a -q 'killall \[wpassword\]' "$SIM_CALL_LOG" && break
         sleep 0.1
     done
