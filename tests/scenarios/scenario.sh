@@ -162,10 +162,10 @@ program() {
 # The program with its window: open once the stray prompts have been cleaned up, and still
 # open a second later.
 program_window() {
-    QT_QPA_PLATFORM=offscreen usb-installer "$@" &
+    QT_QPA_PLATFORM=${QT_QPA_PLATFORM:-offscreen} usb-installer "$@" &
     local pid=$!
     for _ in $(seq 300); do
-        grep -a -q 'killall \[wpassword\]' "$SIM_CALL_LOG" && break
+        grep -a -q 'killall .*wpassword' "$SIM_CALL_LOG" && break
         sleep 0.1
     done
     sleep 1
