@@ -83,7 +83,8 @@ tool() {
 }
 
 # One line per file the simulated client has changed so far: its kind, size, time and path.
-# Removed files show as character devices, folders only while empty.
+# Removed files show as character devices, folders only while they hold no change; a folder is
+# shown only while it is empty for the client too (the X server rewrites its keymap folder).
 state() {
     (cd "$changes" && find . \( ! -type d -o -empty \) -printf '%y %s %T@ %p\n') | sed 's| \./| /|' |
         grep -a -v -E "^[^ ]+ [^ ]+ [^ ]+ (/var/log/sim/|$work/|/root/|/var/lib/sim/inside)" | sort
@@ -94,7 +95,7 @@ show() {
     case $kind in
     c*) printf '%s removed\n' "$p" ;;
     l*) printf '%s -> %s\n' "$p" "$(readlink "$p")" ;;
-    d*) printf '%s/ (folder)\n' "$p" ;;
+    d*) [[ -n $(ls -A "$p") ]] || printf '%s/ (folder)\n' "$p" ;;
     *)
         if [[ ! -s $p ]]; then
             printf '%s: empty\n' "$p"
@@ -143,7 +144,7 @@ step() {
     comm -13 <(printf '%s\n' "$before") <(printf '%s\n' "$after") | grep . | sort -t' ' -k4 |
         while IFS= read -r line; do show "$line"; done >"$work/changed"
     comm -23 <(printf '%s\n' "$before" | cut -d' ' -f4- | sort) <(printf '%s\n' "$after" | cut -d' ' -f4- | sort) |
-        grep . | sed 's/$/ gone/' >>"$work/changed"
+        grep . | while IFS= read -r p; do [[ -e $p || -L $p ]] || printf '%s gone\n' "$p"; done >>"$work/changed"
     section changed "$work/changed"
 }
 
