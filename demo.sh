@@ -14,7 +14,7 @@ set -euo pipefail
 # Inside the simulated client: drive the program on its own X server. Standard output carries
 # only the screenshots (a tar stream); everything said goes to standard error.
 inside() {
-    local build=$1 here shots bin window list dialog i convert display_file
+    local build=$1 here shots bin window list dialog i convert
     here=$(pwd)
     exec 3>&1 1>&2
     export LANG=C.UTF-8 LC_ALL=C.UTF-8
@@ -32,11 +32,8 @@ exec /bin/sync "\$@"
 EOF
     chmod +x "$bin/sync"
 
-    display_file=/dev/shm/demo-display
-    Xvfb -displayfd 4 -nolisten tcp -screen 0 1024x768x24 4>"$display_file" 2>/dev/null &
-    for i in $(seq 300); do [ -s "$display_file" ] && break; sleep 0.1; done
-    [ -s "$display_file" ] || { echo "demo: the virtual X server did not start"; exit 1; }
-    export DISPLAY=:$(head -n 1 "$display_file")
+    source "$here/scripts/xvfb.sh"
+    start_xvfb || { echo "demo: the virtual X server did not start"; exit 1; }
     export XDG_RUNTIME_DIR=/dev/shm/demo-runtime
     mkdir -p -m 0700 "$XDG_RUNTIME_DIR"
 

@@ -18,9 +18,9 @@ work=$(mktemp -d /tmp/valgrind.XXXXXX)
 mkdir -p "$work/stick" -m 0700 "$work/runtime"
 printf 'Authorised use only.\n' >"$work/stick/notice.txt"
 
-Xvfb -displayfd 3 -nolisten tcp -screen 0 1024x768x24 3>"$work/display" 2>/dev/null &
-for _ in $(seq 300); do [ -s "$work/display" ] && break; sleep 0.1; done
-export DISPLAY=:$(head -n 1 "$work/display") XDG_RUNTIME_DIR=$work/runtime
+source scripts/xvfb.sh
+start_xvfb || { echo "valgrind run: the virtual X server did not start"; exit 1; }
+export XDG_RUNTIME_DIR=$work/runtime
 # No code generated at run time, which memcheck cannot follow: the toolkit's regular
 # expressions run as well without their JIT.
 export QT_ENABLE_REGEXP_JIT=0

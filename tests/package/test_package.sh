@@ -46,9 +46,8 @@ check "the installed usb-stick-check plans the sample stick's wallpaper, without
     eval 'env -u DISPLAY usb-stick-check "$source_dir/sim/stick" | grep -cx "      setwp /tmp/config/files/default_wp"'
 window_on_stick() {
     local pid shown=1
-    Xvfb :7 -screen 0 1024x768x24 -nolisten tcp >/dev/null 2>&1 &
-    export DISPLAY=:7
-    for _ in $(seq 300); do xdpyinfo >/dev/null 2>&1 && break; sleep 0.1; done
+    source "$source_dir/scripts/xvfb.sh"
+    start_xvfb || return 1
     /usr/bin/usb-installer "$source_dir/sim/stick" >/dev/null 2>&1 &
     pid=$!
     timeout 60 xdotool search --sync --onlyvisible --name '^USB Installer$' >/dev/null && shown=0
