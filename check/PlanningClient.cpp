@@ -6,12 +6,23 @@
 
 #include <algorithm>
 
+namespace {
+
+// The effect puts bytes at path: a copy to it, or a link made there.
+bool writes(const Effect &effect, const QString &path)
+{
+    return effect.path == path &&
+           (effect.kind == Effect::Kind::Copies || effect.kind == Effect::Kind::Links);
+}
+
+} // namespace
+
 PlanningClient::PlanningClient(const ClientState &state) : m_state(state) {}
 
 QStringList PlanningClient::commands() const
 {
     QStringList lines;
-    for (const PlannedStep &step : m_steps) {
+    for (const Step &step : m_steps) {
         if (!step.command.isEmpty())
             lines.append(step.command);
     }
@@ -50,42 +61,19 @@ QString PlanningClient::digest(const QString &path)
     return source.isEmpty() ? QString() : installers::pictureDigest(source);
 }
 
-void PlanningClient::run(const QString &commandLine, const Effect &effect)
+StepResult PlanningClient::perform(const Step &step)
 {
-    Effect planned = effect;
-    if (planned.kind == Effect::Kind::SetsKey && !planned.source.isEmpty()) {
-        // The tool reads the file as UTF-8 when it runs: by then it holds the copied bytes.
-        QFile file(copiedFrom(planned.source));
-        if (file.open(QIODevice::ReadOnly))
-            planned.value = QString::fromUtf8(file.readAll());
+    Step planned = step;
+    for (Effect &effect : planned.effects) {
+        if (effect.kind == Effect::Kind::SetsKey && !effect.source.isEmpty()) {
+            // The tool reads the file as UTF-8 when it runs: by then it holds the copied bytes.
+            QFile file(copiedFrom(effect.source));
+            if (file.open(QIODevice::ReadOnly))
+                effect.value = QString::fromUtf8(file.readAll());
+        }
     }
-    m_steps.append({commandLine, planned});
-}
-
-void PlanningClient::copyFile(const QString &from, const QString &to)
-{
-    Effect effect = Effect::copies(from, to);
-    effect.keepsExisting = true;
-    m_steps.append({QString(), effect});
-}
-
-void PlanningClient::makeFolder(const QString &folder)
-{
-    m_steps.append({QString(), Effect::makesFolder(folder)});
-}
-
-bool PlanningClient::writeStore(const QString &store, const KeyValues &values)
-{
-    for (const auto &value : values)
-        m_steps.append({QString(), Effect::setsKey(store, value.first, value.second)});
-    return true;
-}
-
-void PlanningClient::writeRegistry(const QString &key, const QString &name, const QString &value)
-{
-    Effect effect = Effect::setsKey(QStringLiteral("HKEY_LOCAL_MACHINE\\") + key, name, value);
-    effect.kind = Effect::Kind::SetsRegistry;
-    m_steps.append({QString(), effect});
+    m_steps.append(planned);
+    return {};
 }
 
 QString PlanningClient::copiedFrom(QString path) const
@@ -94,14 +82,17 @@ QString PlanningClient::copiedFrom(QString path) const
     // Bounded: planned links could form a loop.
     for (int hop = 0; hop < m_steps.size(); ++hop) {
         const auto writer =
-            std::find_if(m_steps.rbegin(), m_steps.rend(), [&path](const PlannedStep &step) {
-                return step.effect.path == path && (step.effect.kind == Effect::Kind::Copies ||
-                                                    step.effect.kind == Effect::Kind::Links);
+            std::find_if(m_steps.rbegin(), m_steps.rend(), [&path](const Step &step) {
+                return std::any_of(step.effects.begin(), step.effects.end(),
+                                   [&path](const Effect &effect) { return writes(effect, path); });
             });
         if (writer == m_steps.rend())
             break;
-        path = writer->effect.source;
-        if (writer->effect.kind == Effect::Kind::Copies)
+        const Effect &effect =
+            *std::find_if(writer->effects.begin(), writer->effects.end(),
+                          [&path](const Effect &candidate) { return writes(candidate, path); });
+        path = effect.source;
+        if (effect.kind == Effect::Kind::Copies)
             source = path;
     }
     return source;

@@ -17,15 +17,7 @@ struct ClientState
     std::optional<QString> modality; // the modality file's first line, with its line end
 };
 
-// One thing an installer would do: a shell command line and what it does, or (with no command)
-// something the program does itself.
-struct PlannedStep
-{
-    QString command;
-    Effect effect;
-};
-
-// A client that only records: every step an installer asks for becomes a PlannedStep, and
+// A client that only records: every step an installer asks for becomes a Step, and
 // nothing is run, written or started. Digests and file-valued keys are taken from the stick's
 // file that the planned copies and links lead back to.
 class PlanningClient : public ClientAccess
@@ -33,7 +25,7 @@ class PlanningClient : public ClientAccess
 public:
     explicit PlanningClient(const ClientState &state);
 
-    const QList<PlannedStep> &steps() const { return m_steps; }
+    const QList<Step> &steps() const { return m_steps; }
     // The shell command lines in order.
     QStringList commands() const;
     // The programs the commands run, each once, in order of first use.
@@ -44,11 +36,7 @@ public:
     std::optional<QString> modality() override;
     QString digest(const QString &path) override;
 
-    void run(const QString &commandLine, const Effect &effect) override;
-    void copyFile(const QString &from, const QString &to) override;
-    void makeFolder(const QString &folder) override;
-    bool writeStore(const QString &store, const KeyValues &values) override;
-    void writeRegistry(const QString &key, const QString &name, const QString &value) override;
+    StepResult perform(const Step &step) override;
 
 private:
     // The file whose bytes path would hold after the steps so far: followed back through the
@@ -57,7 +45,7 @@ private:
     QString copiedFrom(QString path) const;
 
     ClientState m_state;
-    QList<PlannedStep> m_steps;
+    QList<Step> m_steps;
 };
 
 #endif

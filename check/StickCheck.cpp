@@ -116,9 +116,11 @@ PlannedInstallation plan(const PackageType *type, const QString &dir, const QStr
 QList<Effect> PlannedInstallation::effects(Effect::Kind kind) const
 {
     QList<Effect> found;
-    for (const PlannedStep &step : steps) {
-        if (step.effect.kind == kind)
-            found.append(step.effect);
+    for (const Step &step : steps) {
+        for (const Effect &effect : step.effects) {
+            if (effect.kind == kind)
+                found.append(effect);
+        }
     }
     return found;
 }

@@ -42,7 +42,7 @@ struct PlannedInstallation
 {
     const PackageType *type = nullptr;
     QString file;
-    QList<PlannedStep> steps;
+    QList<Step> steps;
     QStringList commands;
     QStringList tools;
 

@@ -22,21 +22,24 @@ int installCertificates(InstallJob *job, ClientAccess &client)
             const QString stickCopy = sourcePath(*job, blankFree);
             // A blank-free copy is made beside the selected file on the stick and removed again
             // below; the certificate folder is fed from the selected file.
-            client.run(fill("cp \"%1\" \"%2\"", selected, stickCopy),
-                       Effect::copies(selected, stickCopy));
-            client.run(fill("cp \"%1\" \"%2/%3\"", selected, folder, blankFree),
-                       Effect::copies(selected, fill("%1/%2", folder, blankFree)));
-            client.run(fill("certs install \"%1\"", blankFree));
-            client.run(fill("rm \"%1\"", stickCopy), Effect::removes(stickCopy));
+            client.run(StepKind::StickCopy, fill("cp \"%1\" \"%2\"", selected, stickCopy),
+                       {Effect::copies(selected, stickCopy)});
+            client.run(StepKind::ConfigCopy,
+                       fill("cp \"%1\" \"%2/%3\"", selected, folder, blankFree),
+                       {Effect::copies(selected, fill("%1/%2", folder, blankFree))});
+            client.run(StepKind::ClientTool, fill("certs install \"%1\"", blankFree));
+            client.run(StepKind::StickCopy, fill("rm \"%1\"", stickCopy),
+                       {Effect::removes(stickCopy)});
         } else {
             const QString name = job->files.at(i);
-            client.run(fill("cp \"%1\" \"%2/%3\"", sourcePath(*job, name), folder, name),
-                       Effect::copies(sourcePath(*job, name), fill("%1/%2", folder, name)));
-            client.run(fill("certs install \"%1\"", name));
+            client.run(StepKind::ConfigCopy,
+                       fill("cp \"%1\" \"%2/%3\"", sourcePath(*job, name), folder, name),
+                       {Effect::copies(sourcePath(*job, name), fill("%1/%2", folder, name))});
+            client.run(StepKind::ClientTool, fill("certs install \"%1\"", name));
         }
     }
-    client.run("certs register");
-    client.run("freeze");
+    client.run(StepKind::ClientTool, "certs register");
+    client.run(StepKind::ClientTool, "freeze");
     return 0;
 }
 

@@ -2,12 +2,49 @@
 
 ClientAccess::~ClientAccess() = default;
 
+void ClientAccess::fileSkipped(const QString & /*file*/, const QString & /*reason*/) {}
+
+void ClientAccess::run(StepKind kind, const QString &commandLine, const QList<Effect> &effects)
+{
+    perform(Step::shell(kind, commandLine, effects));
+}
+
+void ClientAccess::copyFile(const QString &from, const QString &to)
+{
+    perform(Step::toolkit({Effect::copiesKeepingExisting(from, to)}));
+}
+
+void ClientAccess::makeFolder(const QString &folder)
+{
+    perform(Step::toolkit({Effect::makesFolder(folder)}));
+}
+
+bool ClientAccess::writeStore(const QString &store, const KeyValues &values)
+{
+    QList<Effect> effects;
+    for (const auto &value : values)
+        effects.append(Effect::setsKey(store, value.first, value.second));
+    return perform(Step::toolkit(effects)).done;
+}
+
+void ClientAccess::writeRegistry(const QString &key, const QString &name, const QString &value)
+{
+    perform(Step::toolkit({Effect::setsRegistry(key, name, value)}));
+}
+
 Effect Effect::copies(const QString &from, const QString &to)
 {
     Effect effect;
     effect.kind = Kind::Copies;
     effect.source = from;
     effect.path = to;
+    return effect;
+}
+
+Effect Effect::copiesKeepingExisting(const QString &from, const QString &to)
+{
+    Effect effect = copies(from, to);
+    effect.keepsExisting = true;
     return effect;
 }
 
@@ -50,5 +87,12 @@ Effect Effect::setsKeyFromFile(const QString &store, const QString &key, const Q
 {
     Effect effect = setsKey(store, key, QString());
     effect.source = file;
+    return effect;
+}
+
+Effect Effect::setsRegistry(const QString &key, const QString &name, const QString &value)
+{
+    Effect effect = setsKey(QStringLiteral("HKEY_LOCAL_MACHINE\\") + key, name, value);
+    effect.kind = Kind::SetsRegistry;
     return effect;
 }

@@ -1,43 +1,24 @@
 #ifndef CLIENTACCESS_H
 #define CLIENTACCESS_H
 
+#include "Step.h"
+
 #include <QList>
 #include <QPair>
 #include <QString>
 
 #include <optional>
 
-// What one step of an installer does to the client. A shell command line carries one so that
-// the stick check can say what the line would do; the program only runs the line.
-struct Effect
-{
-    enum class Kind {
-        Runs,         // nothing the check follows beyond running the command's program
-        Copies,       // source -> path
-        MakesFolder,  // path
-        Removes,      // path, possibly a shell pattern
-        Links,        // path is made a link to source
-        SetsKey,      // store path, key, value (or the content of the file source)
-        SetsRegistry, // registry key path, value name key, value
-    };
-
-    Kind kind = Kind::Runs;
-    QString path;
-    QString source;
-    QString key;
-    QString value;
-    bool keepsExisting = false; // Copies: an existing destination is left as it is
-
-    static Effect copies(const QString &from, const QString &to);
-    static Effect makesFolder(const QString &folder);
-    static Effect removes(const QString &pathOrPattern);
-    static Effect links(const QString &link, const QString &target);
-    static Effect setsKey(const QString &store, const QString &key, const QString &value);
-    // The value is the whole content of file, read when the command runs.
-    static Effect setsKeyFromFile(const QString &store, const QString &key, const QString &file);
-};
-
 using KeyValues = QList<QPair<QString, QString>>;
+
+// How a step went, as far as the client says at once; the effects are verified afterwards.
+struct StepResult
+{
+    // The shell's exit status; none for a toolkit step and where the platform gives none.
+    std::optional<int> status;
+    // A toolkit step was carried out (a store that does not exist is not written).
+    bool done = true;
+};
 
 // The one way installers reach the client. The program passes RealClient, which runs and
 // writes; the stick check passes a planning client, which records and does nothing. Every
@@ -61,20 +42,25 @@ public:
     // MD5 of a file on the client as 32 lower-case hexadecimal digits; empty when it cannot be
     // read.
     virtual QString digest(const QString &path) = 0;
+    // The safety rules left a chosen file out just before its commands.
+    virtual void fileSkipped(const QString &file, const QString &reason);
 
-    // Runs one command line through the client's shell, exactly as given, and waits for the
-    // shell (a line ending in "&" returns at once). Its status is never looked at.
-    virtual void run(const QString &commandLine, const Effect &effect = Effect()) = 0;
+    // Performs one step. A shell step's line runs through the client's shell exactly as given
+    // (a line ending in "&" returns at once); a toolkit step does what its effects say.
+    virtual StepResult perform(const Step &step) = 0;
+
+    // Shorthands that build the step and perform it.
+    void run(StepKind kind, const QString &commandLine, const QList<Effect> &effects = {});
     // The toolkit's copy: never replaces an existing file.
-    virtual void copyFile(const QString &from, const QString &to) = 0;
+    void copyFile(const QString &from, const QString &to);
     // Makes a folder and its missing parents.
-    virtual void makeFolder(const QString &folder) = 0;
+    void makeFolder(const QString &folder);
     // Sets values in an existing configuration store, all at once; false, and nothing
     // written, when the store does not exist.
-    virtual bool writeStore(const QString &store, const KeyValues &values) = 0;
+    bool writeStore(const QString &store, const KeyValues &values);
     // Sets a text value under a key of the legacy registry (HKEY_LOCAL_MACHINE), creating
     // the key.
-    virtual void writeRegistry(const QString &key, const QString &name, const QString &value) = 0;
+    void writeRegistry(const QString &key, const QString &name, const QString &value);
 };
 
 #endif

@@ -49,20 +49,21 @@ void startDesktopForModality(const QString &source, ClientAccess &client)
 {
     const std::optional<QString> modality = client.modality();
     if (!modality) {
-        client.run("vmw-desktop &");
-        client.run("rdp-desktop &");
-        client.run("rdp2x-desktop &");
+        client.run(StepKind::Background, "vmw-desktop &");
+        client.run(StepKind::Background, "rdp-desktop &");
+        client.run(StepKind::Background, "rdp2x-desktop &");
         return;
     }
     for (const ModalityStart &start : modalityStarts) {
         if (!modality->contains(QLatin1String(start.name)))
             continue;
         if (start.command) {
-            client.run(start.command);
+            client.run(StepKind::Background, start.command);
         } else {
             // Citrix gets the picture from the stick, not the launch pad copy.
             const QString citrix = filesDir() + QStringLiteral("/citrix-desktop.jpg");
-            client.run(fill("cp \"%1\" %2", source, citrix), Effect::copies(source, citrix));
+            client.run(StepKind::ConfigCopy, fill("cp \"%1\" %2", source, citrix),
+                       {Effect::copies(source, citrix)});
         }
         return;
     }
@@ -82,31 +83,36 @@ int installDesktop(InstallJob *job, ClientAccess &client)
     const QString link = filesDir() + QStringLiteral("/desktop_img.jpg");
     const bool osVariant = client.hasOsVariantMarker();
     qDebug() << "RMF - Installing " << source;
-    client.run(fill("mkdir -p %1", launchPad), Effect::makesFolder(launchPad));
+    client.run(StepKind::Housekeeping, fill("mkdir -p %1", launchPad),
+               {Effect::makesFolder(launchPad)});
     const QString destination = fill("%1/%2", launchPad, name);
     // The source path is spliced in before the placeholders are filled, so a "%1" or
     // "%2" in it is filled as well.
-    client.run(fillTwo(QStringLiteral("cp \"") + source + QStringLiteral("\" \"%1/%2\" "),
+    client.run(StepKind::ConfigCopy,
+               fillTwo(QStringLiteral("cp \"") + source + QStringLiteral("\" \"%1/%2\" "),
                        launchPad, name),
-               Effect::copies(fillTwo(source, launchPad, name), destination));
-    client.run(fill("ln -sf \"%1\" %2", destination, link), Effect::links(link, destination));
-    client.run(fill("getxmlconfig -w user/system/desktop DESKTOP_IMG \"%1\"", destination),
-               Effect::setsKey(desktopStore, QStringLiteral("DESKTOP_IMG"), destination));
+               {Effect::copies(fillTwo(source, launchPad, name), destination)});
+    client.run(StepKind::Housekeeping, fill("ln -sf \"%1\" %2", destination, link),
+               {Effect::links(link, destination)});
+    client.run(StepKind::ClientTool,
+               fill("getxmlconfig -w user/system/desktop DESKTOP_IMG \"%1\"", destination),
+               {Effect::setsKey(desktopStore, QStringLiteral("DESKTOP_IMG"), destination)});
     const QString digest = client.digest(destination);
     if (!digest.isEmpty())
-        client.run(fill("getxmlconfig -w user/system/desktop DESKTOP_MD5 %1", digest),
-                   Effect::setsKey(desktopStore, QStringLiteral("DESKTOP_MD5"), digest));
-    client.run("killall vmw-desktop");
-    client.run("killall _citrix-desktop");
-    client.run("killall rdp-desktop");
-    client.run("killall rdp2x-desktop");
+        client.run(StepKind::ClientTool,
+                   fill("getxmlconfig -w user/system/desktop DESKTOP_MD5 %1", digest),
+                   {Effect::setsKey(desktopStore, QStringLiteral("DESKTOP_MD5"), digest)});
+    client.run(StepKind::StopDesktop, "killall vmw-desktop");
+    client.run(StepKind::StopDesktop, "killall _citrix-desktop");
+    client.run(StepKind::StopDesktop, "killall rdp-desktop");
+    client.run(StepKind::StopDesktop, "killall rdp2x-desktop");
     // On the marked OS variant no desktop is started again and the modality is not
     // looked at.
     if (!osVariant)
         startDesktopForModality(source, client);
     const QString oldImages = filesDir() + QStringLiteral("/desktop-img-*");
-    client.run(fill("rm -rf %1", oldImages), Effect::removes(oldImages));
-    client.run("freeze");
+    client.run(StepKind::Housekeeping, fill("rm -rf %1", oldImages), {Effect::removes(oldImages)});
+    client.run(StepKind::ClientTool, "freeze");
     return 1;
 }
 

@@ -14,11 +14,13 @@ int installDisclaimer(InstallJob *job, ClientAccess &client)
     const QString source = sourcePath(*job, job->files.first());
     const QString disclaimer = filesDir() + QStringLiteral("/disclaimer.txt");
     // The source path is a bare word: quoted only when the path needs it.
-    client.run(fill("cp %1 %2", shellWord(source), disclaimer), Effect::copies(source, disclaimer));
-    client.run(fill("getxmlconfig -wff user/system/desktop DISCLAIMER %1", disclaimer),
-               Effect::setsKeyFromFile(QStringLiteral("user/system/desktop"),
-                                       QStringLiteral("DISCLAIMER"), disclaimer));
-    client.run("freeze");
+    client.run(StepKind::ConfigCopy, fill("cp %1 %2", shellWord(source), disclaimer),
+               {Effect::copies(source, disclaimer)});
+    client.run(StepKind::ClientTool,
+               fill("getxmlconfig -wff user/system/desktop DISCLAIMER %1", disclaimer),
+               {Effect::setsKeyFromFile(QStringLiteral("user/system/desktop"),
+                                        QStringLiteral("DISCLAIMER"), disclaimer)});
+    client.run(StepKind::ClientTool, "freeze");
     return 1;
 }
 

@@ -9,7 +9,7 @@ namespace installers {
 
 int dispatch(InstallJob *job, ClientAccess &client)
 {
-    if (!keepOnlyFilesOnTheStick(*job))
+    if (!keepOnlyFilesOnTheStick(*job, client))
         return 0;
     switch (job->type->routine) {
     case InstallerRoutine::PrinterDrivers:

@@ -11,7 +11,8 @@ int installUpdate(InstallJob *job, ClientAccess &client)
 {
     if (job->files.size() != 1)
         return 0;
-    client.run(fill("tar-upgrade \"%1\"", sourcePath(*job, job->files.first())));
+    client.run(StepKind::ClientTool,
+               fill("tar-upgrade \"%1\"", sourcePath(*job, job->files.first())));
     return 1;
 }
 

@@ -13,10 +13,10 @@ int installIcon(InstallJob *job, ClientAccess &client)
         return 0;
     const QString &name = job->files.first();
     const QString folder = filesDir() + QStringLiteral("/icons/");
-    client.run(fill("mkdir -p %1", folder), Effect::makesFolder(folder));
-    client.run(fill("cp \"%1\" %2", sourcePath(*job, name), folder),
-               Effect::copies(sourcePath(*job, name), folder + name));
-    client.run("sleep 1");
+    client.run(StepKind::Housekeeping, fill("mkdir -p %1", folder), {Effect::makesFolder(folder)});
+    client.run(StepKind::ConfigCopy, fill("cp \"%1\" %2", sourcePath(*job, name), folder),
+               {Effect::copies(sourcePath(*job, name), folder + name)});
+    client.run(StepKind::Housekeeping, "sleep 1");
     return 1;
 }
 

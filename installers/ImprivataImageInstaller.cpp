@@ -45,8 +45,9 @@ int installImprivataImage(InstallJob *job, int kind, ClientAccess &client)
     const QString &name = job->files.first();
     const QString destination = fill("%1/%2", filesDir(), name);
     // The destination is a bare word: quoted only when the name needs it.
-    client.run(fill("cp \"%1\" %2", sourcePath(*job, name), shellWord(destination)),
-               Effect::copies(sourcePath(*job, name), destination));
+    client.run(StepKind::ConfigCopy,
+               fill("cp \"%1\" %2", sourcePath(*job, name), shellWord(destination)),
+               {Effect::copies(sourcePath(*job, name), destination)});
 
     // Legacy clients keep only the path, in the INI registry.
     if (client.isLegacyMode()) {
@@ -63,7 +64,7 @@ int installImprivataImage(InstallJob *job, int kind, ClientAccess &client)
         qDebug() << "user/software/imprivata/config.xml does not exist";
         return 0;
     }
-    client.run("touch /tmp/proveidevents/reloadcfg");
+    client.run(StepKind::ReloadSignal, "touch /tmp/proveidevents/reloadcfg");
     return 1;
 }
 

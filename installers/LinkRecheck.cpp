@@ -1,5 +1,6 @@
 #include "LinkRecheck.h"
 
+#include "ClientAccess.h"
 #include "InstallJob.h"
 #include "StickEntry.h"
 
@@ -7,7 +8,7 @@
 
 namespace installers {
 
-bool keepOnlyFilesOnTheStick(InstallJob &job)
+bool keepOnlyFilesOnTheStick(InstallJob &job, ClientAccess &client)
 {
     if (job.files.isEmpty())
         return true;
@@ -18,6 +19,7 @@ bool keepOnlyFilesOnTheStick(InstallJob &job)
         if (entry.link && !entry.offered()) {
             qCDebug(lcStick) << file << "is left out of the installation:"
                              << qUtf8Printable(entry.reason());
+            client.fileSkipped(file, entry.reason());
             continue;
         }
         kept.append(file);

@@ -1,6 +1,7 @@
 #ifndef LINKRECHECK_H
 #define LINKRECHECK_H
 
+class ClientAccess;
 struct InstallJob;
 
 namespace installers {
@@ -10,7 +11,7 @@ namespace installers {
 // scan. Such a link is left out of the job with one debug line; the other files still install
 // (one that is merely gone is kept, and its installer fails on it as it always did). False when
 // files were chosen and none is left, so that the installer does not run at all.
-bool keepOnlyFilesOnTheStick(InstallJob &job);
+bool keepOnlyFilesOnTheStick(InstallJob &job, ClientAccess &client);
 
 } // namespace installers
 

@@ -16,17 +16,17 @@ int installOpenVpn(InstallJob *job, ClientAccess &client)
     const QString folder = filesDir() + QStringLiteral("/openvpn/client");
     const QString system = QStringLiteral("/etc/openvpn/client");
     const QString stored = folder + QLatin1Char('/') + name;
-    client.run(fill("mkdir -p %1", folder), Effect::makesFolder(folder));
-    client.run(fill("mkdir -p %1", system), Effect::makesFolder(system));
-    client.run(fill("cp \"%1\" %2", sourcePath(*job, name), folder),
-               Effect::copies(sourcePath(*job, name), stored));
+    client.run(StepKind::Housekeeping, fill("mkdir -p %1", folder), {Effect::makesFolder(folder)});
+    client.run(StepKind::Housekeeping, fill("mkdir -p %1", system), {Effect::makesFolder(system)});
+    client.run(StepKind::ConfigCopy, fill("cp \"%1\" %2", sourcePath(*job, name), folder),
+               {Effect::copies(sourcePath(*job, name), stored)});
     // The link target is a bare word: quoted only when the name needs it.
-    client.run(fill("ln -s %1 %2", shellWord(stored), system),
-               Effect::links(system + QLatin1Char('/') + name, stored));
+    client.run(StepKind::VpnLink, fill("ln -s %1 %2", shellWord(stored), system),
+               {Effect::links(system + QLatin1Char('/') + name, stored)});
     // The converter runs on in the background; the one-second wait is all the
     // synchronisation there is.
-    client.run("ovpn2xml &");
-    client.run("sleep 1");
+    client.run(StepKind::Background, "ovpn2xml &");
+    client.run(StepKind::Housekeeping, "sleep 1");
     return 1;
 }
 

@@ -16,8 +16,8 @@ int installPrinterDrivers(InstallJob *job, ClientAccess &client)
         const QString &name = job->files.at(i);
         client.copyFile(sourcePath(*job, name), fill("%1/ppd/%2", filesDir(), name));
     }
-    client.run(fill("ppddb %1/ppd %1/printdrivers.db", filesDir()));
-    client.run("freeze");
+    client.run(StepKind::ClientTool, fill("ppddb %1/ppd %1/printdrivers.db", filesDir()));
+    client.run(StepKind::ClientTool, "freeze");
     return 1;
 }
 

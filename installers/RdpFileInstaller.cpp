@@ -12,15 +12,15 @@ int installRdpFile(InstallJob *job, ClientAccess &client)
     if (job->files.isEmpty())
         return 0;
     // The path is a bare word: quoted only when it needs it, so a blank no longer splits it.
-    client.run(QStringLiteral("/usr/bin/rdpimport ") +
-               shellWord(sourcePath(*job, job->files.first())));
+    client.run(StepKind::ClientTool, QStringLiteral("/usr/bin/rdpimport ") +
+                                         shellWord(sourcePath(*job, job->files.first())));
     if (client.hasOsVariantMarker()) {
-        client.run("/usr/bin/reload_desktop");
+        client.run(StepKind::ClientTool, "/usr/bin/reload_desktop");
     } else {
-        client.run("killall rdp-desktop");
-        client.run("rdp-desktop.sh &");
+        client.run(StepKind::StopDesktop, "killall rdp-desktop");
+        client.run(StepKind::Background, "rdp-desktop.sh &");
     }
-    client.run("freeze");
+    client.run(StepKind::ClientTool, "freeze");
     return 1;
 }
 

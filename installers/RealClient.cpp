@@ -9,11 +9,56 @@
 #include <QDir>
 #include <QFile>
 
+#include <type_traits>
+
 namespace {
 
 const QString osVariantMarker = QStringLiteral("/tmp/.mvyx64");
 const QString modalityFile = QStringLiteral("/boot/modality");
 const char *const legacyRegistry = "/tmp/config/sessions.conf";
+
+// The shell's exit status. The host platform returns it as it is. The client's own library may
+// return a status of another form (system()-style) or nothing at all: there only zero against
+// non-zero is trusted, and where it returns nothing the verification of the step's effects is
+// all that counts.
+std::optional<int> runShell(const QString &line)
+{
+    using Result = decltype(DaxSystem::execShell(line));
+    if constexpr (std::is_void_v<Result>) {
+        DaxSystem::execShell(line);
+        return std::nullopt;
+    } else {
+        return static_cast<int>(DaxSystem::execShell(line));
+    }
+}
+
+// The store's keys, all in one save; false when the store does not exist.
+bool storeKeys(const QString &store, const QList<Effect> &keys)
+{
+    DaxProperties properties(store, QString(), true);
+    if (!properties.Load())
+        return false;
+    for (const Effect &key : keys)
+        properties.SetString(key.key, key.value);
+    // Whether the save took is for the verification to find: the installer goes on as before.
+    properties.Save();
+    return true;
+}
+
+// The platform's registry has no way to read a value back: whether it took the value is all
+// there is to verify.
+bool setRegistryValue(const Effect &value)
+{
+    const QString root = value.path.section(QLatin1Char('\\'), 0, 0);
+    const QString key = value.path.section(QLatin1Char('\\'), 1);
+    DaxRegIni registry;
+    registry.SetIniPath(legacyRegistry);
+    if (registry.OpenKey(root, key, 0x20006) != 0)
+        return false;
+    const bool set = registry.SetSz(value.key, value.value) == 0;
+    registry.CloseKey();
+    return set;
+}
 
 } // namespace
 
@@ -43,38 +88,36 @@ QString RealClient::digest(const QString &path)
     return installers::pictureDigest(path);
 }
 
-void RealClient::run(const QString &commandLine, const Effect & /*effect*/)
+StepResult RealClient::perform(const Step &step)
 {
-    DaxSystem::execShell(commandLine);
-}
-
-void RealClient::copyFile(const QString &from, const QString &to)
-{
-    QFile::copy(from, to);
-}
-
-void RealClient::makeFolder(const QString &folder)
-{
-    QDir().mkpath(folder);
-}
-
-bool RealClient::writeStore(const QString &store, const KeyValues &values)
-{
-    DaxProperties properties(store, QString(), true);
-    if (!properties.Load())
-        return false;
-    for (const auto &value : values)
-        properties.SetString(value.first, value.second);
-    properties.Save();
-    return true;
-}
-
-void RealClient::writeRegistry(const QString &key, const QString &name, const QString &value)
-{
-    DaxRegIni registry;
-    registry.SetIniPath(legacyRegistry);
-    if (registry.OpenKey(QStringLiteral("HKEY_LOCAL_MACHINE"), key, 0x20006) == 0) {
-        registry.SetSz(name, value);
-        registry.CloseKey();
+    if (!step.command.isEmpty())
+        return {runShell(step.command), true};
+    if (step.effects.isEmpty())
+        return {};
+    const Effect &first = step.effects.first();
+    switch (first.kind) {
+    case Effect::Kind::Copies:
+        QFile::copy(first.source, first.path);
+        return {};
+    case Effect::Kind::MakesFolder:
+        QDir().mkpath(first.path);
+        return {};
+    case Effect::Kind::SetsKey:
+        return {std::nullopt, storeKeys(first.path, step.effects)};
+    case Effect::Kind::SetsRegistry:
+        return {std::nullopt, setRegistryValue(first)};
+    case Effect::Kind::Removes:
+    case Effect::Kind::Links:
+        break;
     }
+    return {std::nullopt, false};
+}
+
+bool RealClient::statusesAreExact()
+{
+#ifdef USBINSTALLER_VENDOR_PLATFORM
+    return false;
+#else
+    return true;
+#endif
 }

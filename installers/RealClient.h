@@ -13,11 +13,11 @@ public:
     std::optional<QString> modality() override;
     QString digest(const QString &path) override;
 
-    void run(const QString &commandLine, const Effect &effect) override;
-    void copyFile(const QString &from, const QString &to) override;
-    void makeFolder(const QString &folder) override;
-    bool writeStore(const QString &store, const KeyValues &values) override;
-    void writeRegistry(const QString &key, const QString &name, const QString &value) override;
+    StepResult perform(const Step &step) override;
+
+    // Whether a shell step's status is the shell's exit status itself (the host platform), not
+    // only zero against non-zero (the client's own library).
+    static bool statusesAreExact();
 };
 
 #endif

@@ -14,10 +14,11 @@ int installScreenConnect(InstallJob *job, ClientAccess &client)
     const QString &name = job->files.first();
     // The toolkit's copy never overwrites: a package installed earlier is kept.
     client.copyFile(sourcePath(*job, name), fill("%1/%2", filesDir(), name));
-    client.run("rm -r /boot/screenconnect*",
-               Effect::removes(QStringLiteral("/boot/screenconnect*")));
-    client.run("rm -r /boot/*.deb", Effect::removes(QStringLiteral("/boot/*.deb")));
-    client.run("freeze");
+    client.run(StepKind::Housekeeping, "rm -r /boot/screenconnect*",
+               {Effect::removes(QStringLiteral("/boot/screenconnect*"))});
+    client.run(StepKind::Housekeeping, "rm -r /boot/*.deb",
+               {Effect::removes(QStringLiteral("/boot/*.deb"))});
+    client.run(StepKind::ClientTool, "freeze");
     return 1;
 }
 

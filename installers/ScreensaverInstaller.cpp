@@ -14,7 +14,7 @@ int installScreensaver(InstallJob *job, ClientAccess &client)
     client.makeFolder(folder);
     for (const QString &name : qAsConst(job->files))
         client.copyFile(sourcePath(*job, name), fill("%1/%2", folder, name));
-    client.run("freeze");
+    client.run(StepKind::ClientTool, "freeze");
     return 1;
 }
 

@@ -1,6 +1,6 @@
 #include "RcInstaller.h"
 
-#include "RealClient.h"
+#include "Installation.h"
 
 #include <utility>
 
@@ -16,8 +16,6 @@ RcInstaller::~RcInstaller()
 
 void RcInstaller::run()
 {
-    // Failures look like success: the installer's result is not reported.
-    RealClient client;
-    routine(job, client);
+    m_outcome = installers::install(job, routine);
     emit completed();
 }

@@ -1,0 +1,47 @@
+#include "RecordingClient.h"
+
+#include "InstallOutcome.h"
+
+RecordingClient::RecordingClient(ClientAccess &client, InstallOutcome &outcome)
+    : m_client(client), m_outcome(outcome)
+{
+}
+
+bool RecordingClient::isLegacyMode()
+{
+    return m_client.isLegacyMode();
+}
+
+bool RecordingClient::hasOsVariantMarker()
+{
+    return m_client.hasOsVariantMarker();
+}
+
+std::optional<QString> RecordingClient::modality()
+{
+    return m_client.modality();
+}
+
+QString RecordingClient::digest(const QString &path)
+{
+    return m_client.digest(path);
+}
+
+void RecordingClient::fileSkipped(const QString &file, const QString &reason)
+{
+    m_client.fileSkipped(file, reason);
+    m_outcome.skipped.append({file, reason});
+}
+
+StepResult RecordingClient::perform(const Step &step)
+{
+    const StepResult result = m_client.perform(step);
+    StepOutcome performed;
+    performed.step = step;
+    performed.status = result.status;
+    performed.done = result.done;
+    for (const Effect &effect : step.effects)
+        performed.effects.append({effect, Verification::Verified});
+    m_outcome.steps.append(performed);
+    return result;
+}
