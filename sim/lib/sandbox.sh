@@ -93,8 +93,15 @@ QPushButton {
 '
 put "$log_dir/shell.log" ''
 put "$log_dir/calls.log" ''
+put "$log_dir/journal.log" ''
+put "$log_dir/syslog.log" ''
 put_dir "$state_dir/certs"
 put_dir /var/lib/sim-changes
+if [ "$_SIM_NO_JOURNAL" = 1 ]; then
+    hide /run/systemd/journal
+else
+    put_dir /run/systemd/journal
+fi
 put "$state_dir/inside" $'This folder exists only inside the simulated client.\n'
 put_link /usr/bin/rdpimport "$sim_bin/rdpimport"
 put_link /usr/bin/reload_desktop "$sim_bin/reload_desktop"
@@ -151,6 +158,26 @@ ln -s /proc/self/fd/0 "$root/dev/stdin"
 ln -s /proc/self/fd/1 "$root/dev/stdout"
 ln -s /proc/self/fd/2 "$root/dev/stderr"
 
+# The system log: listeners on the journal's socket and on /dev/log write what the command
+# sends into the logs folder, which no transcript watches; the sockets live on file systems of
+# their own, so they are no change of the command's. With --no-journal the client has no
+# journal: only /dev/log listens.
+logsink=$_SIM_BUILD/sim-tools/logsink
+journal_socket=$root/run/systemd/journal/socket
+if [ "$_SIM_NO_JOURNAL" = 1 ]; then
+    journal_socket=$S/no-journal.socket
+else
+    mount -t tmpfs -o mode=0755 usbi-sim-journal "$root/run/systemd/journal" ||
+        fail "cannot mount a folder for the journal's socket"
+fi
+if [ -x "$logsink" ]; then
+    "$logsink" "$journal_socket" "$root$log_dir/journal.log" "$root/dev/log" \
+        "$root$log_dir/syslog.log" || fail "cannot listen on the system log's sockets"
+else
+    printf 'sim/run: %s is not built: nothing listens on the system log\n' "$logsink" >&2
+    logsink=
+fi
+
 # What the command has changed so far, for tests that check where writes landed: the upper
 # layer, read-only (a removed file shows there as a character device 0/0).
 changes_view=$root/var/lib/sim-changes
@@ -203,12 +230,17 @@ if [ ! -d "$root$cwd" ]; then
 fi
 keep=$_SIM_KEEP quiet=$_SIM_QUIET report=$_SIM_REPORT
 unset _SIM_DIR _SIM_SCRATCH _SIM_BUILD _SIM_LEGACY _SIM_MARKER _SIM_MODALITY _SIM_HAVE_MODALITY \
-    _SIM_GATE _SIM_DISPLAY _SIM_KEEP _SIM_QUIET _SIM_REPORT _SIM_CWD
+    _SIM_GATE _SIM_DISPLAY _SIM_KEEP _SIM_QUIET _SIM_REPORT _SIM_CWD _SIM_NO_JOURNAL
 
 chroot "$root" /usr/bin/env -C "$cwd" -- "$@"
 status=$?
 
-# Whatever the command left running (desktop programs started with "&") ends here.
+# Whatever the command sent to the system log is written out; whatever it left running
+# (desktop programs started with "&") ends here, the listeners with it.
+if [ -n "$logsink" ]; then
+    "$logsink" --sync "$journal_socket"
+    "$logsink" --sync "$root/dev/log"
+fi
 kill -KILL -1 2>/dev/null
 for _ in $(seq 100); do
     others=0
@@ -234,7 +266,7 @@ line() {
     printf '%s %s%s\n' "$1" "$p" "${3:-}"
 }
 exists() { [ -e "$1" ] || [ -L "$1" ]; }
-is_log() { [ "$1" = "$log_dir/shell.log" ] || [ "$1" = "$log_dir/calls.log" ]; }
+is_log() { case $1 in "$log_dir"/shell.log | "$log_dir"/calls.log | "$log_dir"/journal.log | "$log_dir"/syslog.log) ;; *) false ;; esac; }
 changes() {
     local rel path entry name
     (cd "$upper" && find . -mindepth 1 -print0) | while IFS= read -r -d '' rel; do
@@ -282,6 +314,11 @@ report_text() {
     if [ -n "$list" ]; then printf '%s\n' "$list"; else printf '  (none)\n'; fi
     log_section "shell log ($log_dir/shell.log)" "$root$log_dir/shell.log"
     log_section "tool calls ($log_dir/calls.log)" "$root$log_dir/calls.log"
+    # The system log only when something was sent to it.
+    [ -s "$root$log_dir/journal.log" ] &&
+        log_section "journal ($log_dir/journal.log)" "$root$log_dir/journal.log"
+    [ -s "$root$log_dir/syslog.log" ] &&
+        log_section "syslog ($log_dir/syslog.log)" "$root$log_dir/syslog.log"
     printf '== exit status %s\n' "$status"
 }
 
@@ -299,7 +336,7 @@ if [ -n "$keep" ]; then
     rm -rf "$keep/upper" "$keep/logs"
     mkdir -p "$keep/logs" &&
         cp -a "$upper" "$keep/upper" &&
-        cp -a "$root$log_dir/shell.log" "$root$log_dir/calls.log" "$keep/logs/" &&
+        cp -a "$root$log_dir"/{shell,calls,journal,syslog}.log "$keep/logs/" &&
         cp "$S/report.txt" "$keep/report.txt" ||
         printf 'sim/run: could not keep everything in %s\n' "$keep" >&2
 fi

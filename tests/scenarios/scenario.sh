@@ -124,6 +124,8 @@ step() {
     : >"$DAX_SHELL_LOG"
     : >"$SIM_CALL_LOG"
     : >"$work/env.log"
+    : >"$journal_log"
+    : >"$syslog_log"
     printf '\n$ %s\n' "$title"
     # Into a file, not a pipe: desktop programs the step starts keep running.
     "$@" >"$work/out" 2>&1
@@ -140,12 +142,26 @@ step() {
     section shell "$DAX_SHELL_LOG"
     section calls "$SIM_CALL_LOG"
     section environment "$work/env.log"
+    record
     after=$(state)
     comm -13 <(printf '%s\n' "$before") <(printf '%s\n' "$after") | grep . | sort -t' ' -k4 |
         while IFS= read -r line; do show "$line"; done >"$work/changed"
     comm -23 <(printf '%s\n' "$before" | cut -d' ' -f4- | sort) <(printf '%s\n' "$after" | cut -d' ' -f4- | sort) |
         grep . | while IFS= read -r p; do [[ -e $p || -L $p ]] || printf '%s gone\n' "$p"; done >>"$work/changed"
     section changed "$work/changed"
+}
+
+# The system log the step wrote, once the listeners have written out everything sent: journal
+# entries field by field (each ended by "--"), syslog lines with their time and process id made constant.
+journal_log=/var/log/sim/journal.log
+syslog_log=/var/log/sim/syslog.log
+record() {
+    "$build/sim-tools/logsink" --sync /run/systemd/journal/socket 2>/dev/null
+    "$build/sim-tools/logsink" --sync /dev/log
+    section journal "$journal_log"
+    sed -E 's/^(<[0-9]+>)[A-Z][a-z]{2} [ 0-9][0-9] [0-9:]{8} ([^ []*)\[[0-9]+\]:/\1TIME \2[PID]:/' \
+        "$syslog_log" >"$work/syslog"
+    section syslog "$work/syslog"
 }
 
 words() { (($# == 0)) || printf ' %q' "$@"; }
