@@ -1,5 +1,6 @@
 #include "Dispatch.h"
 
+#include "ClientAccess.h"
 #include "InstallJob.h"
 #include "Installers.h"
 #include "LinkRecheck.h"
@@ -9,7 +10,10 @@ namespace installers {
 
 int dispatch(InstallJob *job, ClientAccess &client)
 {
-    if (!keepOnlyFilesOnTheStick(*job, client))
+    const auto leftOut = [&client](const QString &file, const QString &reason) {
+        client.fileSkipped(file, reason);
+    };
+    if (!keepOnlyFilesOnTheStick(*job, leftOut))
         return 0;
     switch (job->type->routine) {
     case InstallerRoutine::PrinterDrivers:

@@ -1,6 +1,5 @@
 #include "LinkRecheck.h"
 
-#include "ClientAccess.h"
 #include "InstallJob.h"
 #include "StickEntry.h"
 
@@ -8,7 +7,7 @@
 
 namespace installers {
 
-bool keepOnlyFilesOnTheStick(InstallJob &job, ClientAccess &client)
+bool keepOnlyFilesOnTheStick(InstallJob &job, const LeftOut &leftOut)
 {
     if (job.files.isEmpty())
         return true;
@@ -19,7 +18,8 @@ bool keepOnlyFilesOnTheStick(InstallJob &job, ClientAccess &client)
         if (entry.link && !entry.offered()) {
             qCDebug(lcStick) << file << "is left out of the installation:"
                              << qUtf8Printable(entry.reason());
-            client.fileSkipped(file, entry.reason());
+            if (leftOut)
+                leftOut(file, entry.reason());
             continue;
         }
         kept.append(file);
