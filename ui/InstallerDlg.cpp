@@ -2,6 +2,7 @@
 
 #include "InstallJob.h"
 #include "PackageTypes.h"
+#include "WindowKeys.h"
 #include "WindowSetup.h"
 #include "ui_InstallerDialog.h"
 
@@ -21,6 +22,7 @@ InstallerDlg::InstallerDlg(InstallJob *job, installers::Routine routine)
     setStyleSheet(windowsetup::styleSheet());
     windowsetup::centre(this);
     windowsetup::setIconAndTitle(this);
+    new WindowKeys(this);
 
     // No text of its own (the firmware update, bound to "firmware"): "Installing..." stays.
     const QString text = job->type->progressLabel();

@@ -5,12 +5,14 @@
 #include "PackageTypes.h"
 #include "PngIconEngine.h"
 #include "RcList.h"
+#include "WindowKeys.h"
 #include "WindowSetup.h"
 #include "ui_MainWindow.h"
 
 #include <QAbstractButton>
 #include <QCheckBox>
 #include <QIcon>
+#include <QKeyEvent>
 #include <QListWidgetItem>
 #include <QTableWidgetItem>
 
@@ -27,7 +29,11 @@ MgrDlg::MgrDlg(RcList *list, installers::Routine routine)
     setFixedSize(width(), height());
     setStyleSheet(windowsetup::styleSheet());
     placeWindow();
+    new WindowKeys(this);
+    ui->twMulti->installEventFilter(this);
+    ui->lwSingle->installEventFilter(this);
     fillTypeList();
+    ui->lwType->setFocus();
 }
 
 MgrDlg::~MgrDlg() = default;
@@ -89,6 +95,7 @@ void MgrDlg::fillMulti()
         // moved the item to another row.
         auto *box = new QCheckBox;
         box->setChecked(true);
+        box->setFocusPolicy(Qt::NoFocus);
         ui->twMulti->setCellWidget(i, 1, box);
     }
 }
@@ -131,9 +138,39 @@ void MgrDlg::startInstall()
     hide();
     dialog.exec();
     show();
+    ui->lwType->setFocus();
 }
 
 void MgrDlg::quit()
 {
     close();
+}
+
+bool MgrDlg::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() != QEvent::KeyPress)
+        return QMainWindow::eventFilter(watched, event);
+    const auto *key = static_cast<QKeyEvent *>(event);
+    if ((key->modifiers() & ~Qt::KeypadModifier) != Qt::NoModifier)
+        return false;
+    const bool table = watched == ui->twMulti;
+    if (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) {
+        (table ? ui->bMInstall : ui->bSInstall)->click();
+        return true;
+    }
+    if (table && key->key() == Qt::Key_Space) {
+        if (auto *box = qobject_cast<QAbstractButton *>(
+                ui->twMulti->cellWidget(ui->twMulti->currentRow(), 1)))
+            box->toggle();
+        return true;
+    }
+    return false;
+}
+
+void MgrDlg::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Escape && event->modifiers() == Qt::NoModifier)
+        quit();
+    else
+        QMainWindow::keyPressEvent(event);
 }

@@ -9,6 +9,7 @@
 
 #include <memory>
 
+class QKeyEvent;
 class QListWidgetItem;
 class RcList;
 struct PackageType;
@@ -32,6 +33,13 @@ public slots:
     void installMulti();
     void changeType(QListWidgetItem *current, QListWidgetItem *previous);
     void quit();
+
+protected:
+    // Return in the list or table of files presses Install; Space in the table ticks or unticks
+    // the current row.
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    // Escape closes the window as Close does.
+    void keyPressEvent(QKeyEvent *event) override;
 
 private:
     void placeWindow();

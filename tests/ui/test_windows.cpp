@@ -7,8 +7,11 @@
 
 #include <QAbstractButton>
 #include <QDir>
+#include <QHash>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QListWidget>
+#include <QPainter>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRegularExpression>
@@ -163,6 +166,45 @@ std::unique_ptr<RcList> scanStick(const QStringList &files)
     return list;
 }
 
+// A key as a user types it; "Name*" is the repeat of a held key. "Double" double-clicks the
+// current row of the focused view instead.
+void press(QWidget *target, const QString &token)
+{
+    static const QHash<QString, Qt::Key> keys = {
+        {"Tab", Qt::Key_Tab},       {"Backtab", Qt::Key_Backtab}, {"Space", Qt::Key_Space},
+        {"Return", Qt::Key_Return}, {"Enter", Qt::Key_Enter},     {"Escape", Qt::Key_Escape},
+        {"Down", Qt::Key_Down}};
+    if (token == QLatin1String("Double")) {
+        auto *view = qobject_cast<QAbstractItemView *>(target);
+        QVERIFY(view);
+        QTest::mouseDClick(view->viewport(), Qt::LeftButton, {},
+                           view->visualRect(view->currentIndex()).center());
+        return;
+    }
+    const bool held = token.endsWith(QLatin1Char('*'));
+    const Qt::Key key = keys.value(held ? token.chopped(1) : token);
+    QVERIFY2(key, qPrintable(token));
+    const QString text = key == Qt::Key_Space ? QStringLiteral(" ") : QString();
+    if (!held) {
+        QTest::keyClick(target, key);
+        return;
+    }
+    for (const QEvent::Type kind : {QEvent::KeyRelease, QEvent::KeyPress}) {
+        QKeyEvent event(kind, key, Qt::NoModifier, text, true);
+        QApplication::sendEvent(target, &event);
+    }
+}
+
+// The outermost pixels of a widget, its frame, as the window shows them.
+QImage edge(QWidget *window, QWidget *widget)
+{
+    const QRect area(widget->mapTo(window, QPoint(0, 0)), widget->size());
+    QImage image = window->grab(area).toImage();
+    QPainter painter(&image);
+    painter.setCompositionMode(QPainter::CompositionMode_Clear);
+    painter.fillRect(image.rect().adjusted(1, 1, -1, -1), Qt::transparent);
+    return image;
+}
 } // namespace
 
 class TestWindows : public QObject
@@ -337,6 +379,128 @@ private slots:
         if (!once.isEmpty())
             QCOMPARE(calls.filter(QRegularExpression(QStringLiteral("^%1( |$)").arg(once))).size(),
                      1);
+    }
+
+    void keyboard_data()
+    {
+        QTest::addColumn<QString>("files");
+        QTest::addColumn<QString>("type");   // chosen with the mouse before the keys
+        QTest::addColumn<QString>("keys");   // typed where the focus is
+        QTest::addColumn<QString>("focus");  // at the open, then after each key ("" closed)
+        QTest::addColumn<QString>("landed"); // files installed into the client's tree
+        QTest::addColumn<QString>("ticked"); // the table's ticked files at the end, if shown
+        const auto add = [](const char *name, const char *files, const char *type, const char *keys,
+                            const char *focus, const char *landed, const char *ticked = "") {
+            QTest::newRow(name) << files << type << keys << focus << landed << ticked;
+        };
+        const char *certs = "c1.crt,c2.crt,c3.crt,w.jpg";
+        add("Tab leaves the table", certs, "Certificate", "Tab Tab Tab Tab Backtab",
+            "lwType,twMulti,bMInstall,bQuit,lwType,bQuit", "", "c1.crt,c2.crt,c3.crt");
+        add("the file list after the table", certs, "Wallpaper", "Tab Tab Tab",
+            "lwType,lwSingle,bSInstall,bQuit", "");
+        add("Space unticks and ticks, Return installs the ticked", certs, "Certificate",
+            "Tab Space Down Space Space Down Space Return",
+            "lwType,twMulti,twMulti,twMulti,twMulti,twMulti,twMulti,twMulti,lwType", "c2.crt",
+            "c2.crt");
+        add("a held Space ticks once", certs, "Certificate", "Tab Space Space* Space*",
+            "lwType,twMulti,twMulti,twMulti,twMulti", "", "c2.crt,c3.crt");
+        add("a held Return installs once", certs, "Certificate", "Tab Return Return* Return*",
+            "lwType,twMulti,lwType,lwType,lwType", "c1.crt,c2.crt,c3.crt", "c1.crt,c2.crt,c3.crt");
+        add("Enter in the file list installs its current file", "a.jpg,b.jpg", "Wallpaper",
+            "Tab Down Enter", "lwType,lwSingle,lwSingle,lwType", "b.jpg");
+        add("a double-click does not install", "a.jpg,b.jpg", "Wallpaper", "Tab Double",
+            "lwType,lwSingle,lwSingle", "");
+        add("Return on the type list or on Close does nothing", certs, "Certificate",
+            "Return Backtab Return", "lwType,lwType,bQuit,bQuit", "", "c1.crt,c2.crt,c3.crt");
+        add("Escape closes", certs, "Wallpaper", "Tab Escape", "lwType,lwSingle,", "");
+        add("a held Escape before it", certs, "Wallpaper", "Tab Escape*",
+            "lwType,lwSingle,lwSingle", "");
+    }
+
+    void keyboard()
+    {
+        QFETCH(QString, files);
+        QFETCH(QString, type);
+        QFETCH(QString, keys);
+        QFETCH(QString, focus);
+        QFETCH(QString, landed);
+        QFETCH(QString, ticked);
+
+        const QString tree = QStringLiteral("/tmp/config/files/");
+        const auto landedAs = [&tree](const QString &file) {
+            return tree + (file.endsWith(QLatin1String(".crt")) ? "cacerts/" : "wallpapers/") +
+                   file;
+        };
+        for (const QString &file : split(files))
+            QFile::remove(landedAs(file)); // put there by an earlier case
+        const auto list = scanStick(split(files));
+        MgrDlg window(list.get(), gated);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        const auto focused = [&window] {
+            return window.isVisible() ? window.focusWidget()->objectName() : QString();
+        };
+        QStringList path{focused()};
+        click(child<QListWidget>(&window, "lwType"), type);
+
+        gate.hold = true;
+        DialogWatch watch([](QDialog *dialog) {
+            // The dialog ignores the held key, and Escape, while its installation runs.
+            press(dialog, QStringLiteral("Return*"));
+            press(dialog, QStringLiteral("Escape"));
+            QVERIFY(dialog->isVisible());
+        });
+        for (const QString &key : keys.split(QLatin1Char(' ')))
+            if (window.isVisible()) {
+                press(window.focusWidget(), key);
+                path.append(focused());
+            }
+        QCOMPARE(path.join(QLatin1Char(',')), focus);
+        QCOMPARE(gate.runs.load(), landed.isEmpty() ? 0 : 1);
+
+        for (const QString &file : split(files))
+            QVERIFY2(QFile::exists(landedAs(file)) == split(landed).contains(file),
+                     qPrintable(file));
+        if (type == QLatin1String("Certificate")) {
+            QStringList shown = rows(child<QTableWidget>(&window, "twMulti")).filter("|x");
+            shown.replaceInStrings(QStringLiteral("|x"), QString());
+            QCOMPARE(shown.join(QLatin1Char(',')), ticked);
+        }
+    }
+
+    // Under the client's style sheet too, each stop of the tab order shows that it has the focus.
+    void focusShows_data()
+    {
+        QTest::addColumn<QByteArray>("sheet");
+        QTest::newRow("the toolkit's look") << QByteArray();
+        QTest::newRow("a client's style sheet")
+            << QByteArray("QWidget { font-size: 10pt; background: white; }\n"
+                          "QPushButton, QAbstractItemView { border: 1px solid gray; }");
+    }
+
+    void focusShows()
+    {
+        QFETCH(QByteArray, sheet);
+        QFile css(QStringLiteral("/tmp/.config/default.css"));
+        QVERIFY(QDir().mkpath(QStringLiteral("/tmp/.config")) && css.open(QIODevice::WriteOnly));
+        css.write(sheet);
+        css.close();
+        const auto removeSheet = qScopeGuard([&css] { css.remove(); });
+        const auto list = scanStick({"c1.crt", "w.jpg"});
+        MgrDlg window(list.get(), gated);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        for (const QString &page : {QStringLiteral("Certificate"), QStringLiteral("Wallpaper")}) {
+            click(child<QListWidget>(&window, "lwType"), page);
+            press(window.focusWidget(), QStringLiteral("Tab"));
+            for (int stop = 0; stop < 4; ++stop) {
+                QWidget *left = window.focusWidget();
+                const QImage shown = edge(&window, left);
+                press(left, QStringLiteral("Tab"));
+                QVERIFY(window.focusWidget() != left);
+                QVERIFY2(edge(&window, left) != shown, qPrintable(left->objectName()));
+            }
+        }
     }
 
     void dialogRefusesToCloseUntilDone_data()
