@@ -131,6 +131,27 @@ if [ -n "$_SIM_DISPLAY" ]; then
     fi
 fi
 
+if [ "$_SIM_STALE_FONTS" = 1 ]; then
+    # Every font folder newer than its cache, as on a machine whose fonts changed after its
+    # caches were last built: a folder of the baseline lends the merged one its time.
+    while IFS= read -r -d '' dir; do
+        put_dir "$dir"
+    done < <(find /usr/share/fonts /usr/local/share/fonts -type d -print0 2>/dev/null)
+fi
+
+# The client's font caches are valid, as on a client, whatever state the host's are in: the
+# toolkit's font library would otherwise rewrite stale ones under /var/cache/fontconfig during
+# the command, and every transcript would record it. fc-cache rebuilds, in the baseline, only
+# the caches that do not match the fonts.
+if command -v fc-cache >/dev/null 2>&1; then
+    mkdir -p "$S/fonts-work" "$S/fonts-root"
+    mount -t overlay usbi-sim-fonts -o "lowerdir=/,upperdir=$base,workdir=$S/fonts-work" \
+        "$S/fonts-root" || fail "cannot mount the overlay that builds the font caches"
+    env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root chroot "$S/fonts-root" fc-cache --system-only ||
+        fail "cannot build the client's font caches (fc-cache failed)"
+    umount "$S/fonts-root"
+fi
+
 mount -t overlay usbi-sim -o "lowerdir=$base:/,upperdir=$upper,workdir=$S/work" "$root" ||
     fail "cannot mount the copy-on-write root (overlay with the host's / as lower layer)"
 mount -t overlay usbi-sim-before -o "lowerdir=$base:/" "$before" ||
@@ -229,8 +250,8 @@ if [ ! -d "$root$cwd" ]; then
     cwd=/
 fi
 keep=$_SIM_KEEP quiet=$_SIM_QUIET report=$_SIM_REPORT
-unset _SIM_DIR _SIM_SCRATCH _SIM_BUILD _SIM_LEGACY _SIM_MARKER _SIM_MODALITY _SIM_HAVE_MODALITY \
-    _SIM_GATE _SIM_DISPLAY _SIM_KEEP _SIM_QUIET _SIM_REPORT _SIM_CWD _SIM_NO_JOURNAL
+unset _SIM_DIR _SIM_SCRATCH _SIM_BUILD _SIM_LEGACY _SIM_MARKER _SIM_STALE_FONTS _SIM_MODALITY \
+    _SIM_HAVE_MODALITY _SIM_GATE _SIM_DISPLAY _SIM_KEEP _SIM_QUIET _SIM_REPORT _SIM_CWD _SIM_NO_JOURNAL
 
 chroot "$root" /usr/bin/env -C "$cwd" -- "$@"
 status=$?

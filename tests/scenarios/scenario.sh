@@ -4,6 +4,8 @@
 #
 #   scenario.sh [--update] NAME.scenario...   compare, or (--update) rewrite the expectations
 #
+# SCENARIO_SIM_OPTIONS adds options of sim/run to every scenario (e.g. --stale-font-cache: the
+# transcripts must not change).
 # A scenario is a list of steps in shell syntax, so that any name can be written ($'a\nb.jpg'):
 #   sim OPTIONS...          options of sim/run for the whole scenario (--marker, --legacy, ...)
 #   say TEXT                a line of the transcript saying what comes next
@@ -27,12 +29,13 @@ source_dir=$(cd "$here/../.." && pwd)
 if [[ ${USBI_SIM:-} != 1 ]]; then
     export USBI_BINARY_DIR=${USBI_BINARY_DIR:-$source_dir/build}
     update=0 failed=0
+    read -r -a extra <<<"${SCENARIO_SIM_OPTIONS:-}"
     [[ ${1:-} == --update ]] && { update=1; shift; }
     for scenario; do
         expected=${scenario%.scenario}.expected
         options=()
         eval "options=($(sed -n 's/^sim //p' "$scenario"))"
-        actual=$("$source_dir/sim/run" --quiet "${options[@]}" -- "$here/scenario.sh" "$(realpath "$scenario")")
+        actual=$("$source_dir/sim/run" --quiet "${options[@]}" "${extra[@]}" -- "$here/scenario.sh" "$(realpath "$scenario")")
         if ((update)); then
             printf '%s\n' "$actual" >"$expected"
         elif ! diff -u --label expected --label actual "$expected" - <<<"$actual"; then

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # The simulated client's own guarantees: writes stay inside and are reported, killall inside
-# cannot reach the host, the client-state options, the call log, --display. Needs root.
+# cannot reach the host, the client-state options, the call log, valid font caches, --display.
+# Needs root.
 set -u
 source_dir=$(cd "$(dirname "$(readlink -f "$0")")/../.." && pwd)
 source "$source_dir/tests/support/cases.sh"
@@ -75,6 +76,15 @@ check "the client's starting state is not reported as a change" \
     eval '! grep -E "^A /(boot/modality|tmp/.mvyx64)" "$work/report"'
 sim --gate missing -- sh -c "$probe"
 check "--gate missing: gate on, no wpasswd" is out $'terminalpass">true\nunset\nwpasswd 127'
+
+# The program's font library rewrites a cache it finds stale; on the client none is.
+fonts_time=$(stat -c %y /usr/share/fonts)
+for option in '' --stale-font-cache; do
+    sim $option -- sh -c 'stat -c %y /usr/share/fonts; fc-list >/dev/null'
+    check "${option:-by default}: the font caches are valid, the font library rewrites none" \
+        eval "! grep -q fontconfig $work/report"
+done
+check "--stale-font-cache: the fonts look newer than the host's caches" [ "$(cat "$work/out")" != "$fonts_time" ]
 
 if command -v Xvfb >/dev/null && command -v xdpyinfo >/dev/null; then
     for n in $(seq $((50 + $$ % 200)) 400); do
