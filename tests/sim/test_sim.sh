@@ -25,7 +25,8 @@ sim -- sh -c "echo boot >/boot/$tag && mkdir /config /etc/$tag && echo x >'/etc/
     echo >>/etc/issue; rm /etc/issue.net; cat /var/lib/sim-changes/boot/$tag
     echo 'sync; mkdir -p /x' >>\"\$DAX_SHELL_LOG\"
     rdpimport /a b/c; /usr/bin/reload_desktop; freeze 'a]b' 'c\\d' 'line
-break' ''; rdp-desktop & exit 3"
+break' ''; rdp-desktop &
+    until grep -q '^rdp-desktop' \"\$SIM_CALL_LOG\"; do sleep 0.05; done; exit 3"
 check "the command's status comes back, a desktop left running notwithstanding" [ "$rc" = 3 ]
 check "the write landed among the changes the command can see" is out boot
 check "the report lists the changes, the logs with each argument in brackets, the status" \
@@ -44,6 +45,7 @@ A /var/lib/sim/frozen
   rdpimport [/a] [b/c]
   reload_desktop
   freeze [a\\]b] [c\\\\d] [line\\nbreak] []
+  rdp-desktop
 == exit status 3"
 check "the host is unchanged" eval '[ ! -e /boot/$tag ] && [ ! -e /config ] && [ ! -e /etc/$tag ] &&
     [ "$(md5sum /etc/issue /etc/issue.net)" = "$before" ]'
