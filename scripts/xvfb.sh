@@ -5,7 +5,7 @@
 start_xvfb() {
     local file
     file=$(mktemp /dev/shm/xvfb-display.XXXXXX) || return 1
-    Xvfb -displayfd 3 -nolisten tcp -screen 0 1024x768x24 3>"$file" 2>/dev/null &
+    Xvfb -displayfd 3 -noreset -nolisten tcp -screen 0 1024x768x24 3>"$file" 2>/dev/null &
     for _ in $(seq 300); do [ -s "$file" ] && break; sleep 0.1; done
     [ -s "$file" ] || return 1
     DISPLAY=:$(head -n 1 "$file")
