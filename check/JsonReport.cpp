@@ -16,6 +16,22 @@ QJsonArray typeKeys(const QList<const PackageType *> &types)
     return keys;
 }
 
+QJsonObject contentObject(const ContentReport &content)
+{
+    QJsonArray findings;
+    for (const Finding &finding : content.findings) {
+        QJsonObject object{{QStringLiteral("severity"), severityName(finding.severity)},
+                           {QStringLiteral("code"), finding.code},
+                           {QStringLiteral("text"), finding.text}};
+        if (!finding.types.isEmpty())
+            object.insert(QStringLiteral("types"), QJsonArray::fromStringList(finding.types));
+        findings.append(object);
+    }
+    return {{QStringLiteral("kind"), content.kind},
+            {QStringLiteral("summary"), content.summary},
+            {QStringLiteral("findings"), findings}};
+}
+
 QJsonObject entryObject(const CheckedEntry &entry)
 {
     QJsonObject object{{QStringLiteral("name"), entry.name},
@@ -28,6 +44,8 @@ QJsonObject entryObject(const CheckedEntry &entry)
         object.insert(QStringLiteral("detail"), entry.detail);
     if (!entry.hiddenTypes.isEmpty())
         object.insert(QStringLiteral("hidden_extension_types"), typeKeys(entry.hiddenTypes));
+    if (!entry.content.kind.isEmpty())
+        object.insert(QStringLiteral("content"), contentObject(entry.content));
     return object;
 }
 

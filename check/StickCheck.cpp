@@ -132,6 +132,14 @@ int StickCheck::offeredCount() const
                       [](const CheckedEntry &entry) { return entry.reason == NotOffered::No; }));
 }
 
+int StickCheck::contentErrorCount() const
+{
+    return static_cast<int>(
+        std::count_if(entries.begin(), entries.end(), [](const CheckedEntry &entry) {
+            return entry.content.count(Finding::Severity::Error) > 0;
+        }));
+}
+
 StickCheck checkStick(const QString &dir, const ClientState &client)
 {
     StickCheck check{dir, client, {}, {}, {}};

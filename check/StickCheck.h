@@ -1,6 +1,7 @@
 #ifndef STICKCHECK_H
 #define STICKCHECK_H
 
+#include "Finding.h"
 #include "PlanningClient.h"
 
 #include <QList>
@@ -35,6 +36,7 @@ struct CheckedEntry
     // A known extension hidden behind another ("logo.png.txt"): the types the name would be
     // offered as without its last extension.
     QList<const PackageType *> hiddenTypes;
+    ContentReport content; // what an offered file holds; kind empty when not read
 };
 
 // What installing one offered file as one type would do.
@@ -62,6 +64,8 @@ struct StickCheck
     QList<PlannedInstallation> installations;
 
     int offeredCount() const;
+    // Offered files whose content has an error.
+    int contentErrorCount() const;
 };
 
 // Lists dir, runs discovery on it and plans every offered file of every type on a client in

@@ -17,6 +17,28 @@ QString typeNames(const QList<const PackageType *> &types)
     return names.join(QStringLiteral(", "));
 }
 
+// The line saying what the file is, then one per finding, with the types it concerns where it
+// does not concern them all.
+QString contentLines(const ContentReport &content, const QString &indent)
+{
+    if (content.kind.isEmpty())
+        return {};
+    QString lines =
+        indent + QStringLiteral("is: ") + printable(content.summary) + QLatin1Char('\n');
+    for (const Finding &finding : content.findings) {
+        QStringList types;
+        for (const QString &key : finding.types)
+            types.append(PackageTypes::find(key)->name());
+        lines += indent +
+                 QStringLiteral("%1 %2: %3")
+                     .arg(severityName(finding.severity), finding.code, printable(finding.text));
+        if (!types.isEmpty())
+            lines += QStringLiteral(" (as %1)").arg(types.join(QStringLiteral(", ")));
+        lines += QLatin1Char('\n');
+    }
+    return lines;
+}
+
 QString entryLines(const CheckedEntry &entry)
 {
     const QString indent(nameWidth + 3, QLatin1Char(' '));
@@ -40,6 +62,7 @@ QString entryLines(const CheckedEntry &entry)
                               name.mid(name.lastIndexOf(QLatin1Char('.'))), printable(inner),
                               typeNames(entry.hiddenTypes));
     }
+    line += contentLines(entry.content, indent);
     return line;
 }
 
@@ -88,22 +111,6 @@ QString planLines(const PlannedInstallation &installation)
 
 } // namespace
 
-QString printable(const QString &text)
-{
-    QString result;
-    for (const QChar c : text) {
-        if (c == QLatin1Char('\n'))
-            result += QStringLiteral("\\n");
-        else if (c == QLatin1Char('\r'))
-            result += QStringLiteral("\\r");
-        else if (c.category() == QChar::Other_Control)
-            result += QStringLiteral("\\x%1").arg(c.unicode(), 2, 16, QLatin1Char('0'));
-        else
-            result += c;
-    }
-    return result;
-}
-
 QString clientDescription(const StickCheck &check)
 {
     QStringList parts;
@@ -135,9 +142,21 @@ QString textReport(const StickCheck &check)
         for (const PlannedInstallation &installation : check.installations)
             text += planLines(installation);
     }
-    text += QStringLiteral("\nOffered: %1 of %2 entries. Installations planned: %3.\n")
+    text += QStringLiteral("\nOffered: %1 of %2 entries. Installations planned: %3.")
                 .arg(check.offeredCount())
                 .arg(check.entries.size())
                 .arg(check.installations.size());
+    int errors = 0, warnings = 0, read = 0;
+    for (const CheckedEntry &entry : check.entries) {
+        errors += entry.content.count(Finding::Severity::Error);
+        warnings += entry.content.count(Finding::Severity::Warning);
+        read += entry.content.kind.isEmpty() ? 0 : 1;
+    }
+    if (read > 0)
+        text += QStringLiteral(" Content read of %1 files: errors %2, warnings %3.")
+                    .arg(read)
+                    .arg(errors)
+                    .arg(warnings);
+    text += QLatin1Char('\n');
     return text;
 }

@@ -1,6 +1,8 @@
 #ifndef TEXTREPORT_H
 #define TEXTREPORT_H
 
+#include "TextLines.h"
+
 #include <QString>
 
 struct StickCheck;
@@ -8,9 +10,6 @@ struct StickCheck;
 // The check as text for an administrator: the client assumed, every entry with the types that
 // offer it or why none does, then each installation's plan.
 QString textReport(const StickCheck &check);
-
-// Control characters as escapes (a line break as \n), so that a name stays on its line.
-QString printable(const QString &text);
 
 // One line on the client assumed ("configuration stores, no OS variant marker, ...").
 QString clientDescription(const StickCheck &check);

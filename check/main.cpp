@@ -1,6 +1,7 @@
 // usb-stick-check: what a stick would do to a client, told before anyone plugs it in. It runs
 // the program's own discovery and installers against a client that only records.
 
+#include "ContentCheck.h"
 #include "JsonReport.h"
 #include "StickCheck.h"
 #include "TextReport.h"
@@ -15,7 +16,8 @@
 namespace {
 
 const char *const usage =
-    "usage: usb-stick-check MOUNT_DIR [--legacy] [--marker] [--modality NAME] [--json]";
+    "usage: usb-stick-check MOUNT_DIR [--legacy] [--marker] [--modality NAME] [--arch ARCH] "
+    "[--date DATE] [--no-content] [--json]";
 
 int fail(const QString &why)
 {
@@ -68,7 +70,17 @@ int main(int argc, char *argv[])
                                       QStringLiteral("NAME"));
     const QCommandLineOption json(QStringLiteral("json"),
                                   QStringLiteral("Print one JSON document."));
-    parser.addOptions({legacy, marker, modality, json});
+    const QCommandLineOption arch(
+        QStringLiteral("arch"),
+        QStringLiteral("The client's Debian architecture, for packages (default amd64)."),
+        QStringLiteral("ARCH"), QStringLiteral("amd64"));
+    const QCommandLineOption date(
+        QStringLiteral("date"),
+        QStringLiteral("Judge certificates' validity on DATE (YYYY-MM-DD, UTC) instead of today."),
+        QStringLiteral("DATE"));
+    const QCommandLineOption noContent(QStringLiteral("no-content"),
+                                       QStringLiteral("Do not read the offered files' contents."));
+    parser.addOptions({legacy, marker, modality, arch, date, noContent, json});
     parser.addHelpOption();
     parser.addVersionOption();
     parser.addPositionalArgument(QStringLiteral("MOUNT_DIR"),
@@ -85,6 +97,15 @@ int main(int argc, char *argv[])
     if (parser.value(modality).contains(QLatin1Char('\n')))
         return usageError(QStringLiteral("a modality is one line"));
 
+    ContentOptions contentOptions;
+    contentOptions.arch = parser.value(arch);
+    if (parser.isSet(date)) {
+        const QDate day = QDate::fromString(parser.value(date), Qt::ISODate);
+        contentOptions.now = QDateTime(day, QTime(0, 0), Qt::UTC);
+        if (!day.isValid())
+            return usageError(QStringLiteral("a date is written YYYY-MM-DD"));
+    }
+
     const QString dir = parser.positionalArguments().first();
     const QString why = unreadable(dir);
     if (!why.isEmpty())
@@ -96,7 +117,15 @@ int main(int argc, char *argv[])
     if (parser.isSet(modality))
         client.modality = parser.value(modality) + QLatin1Char('\n');
 
-    const StickCheck check = checkStick(dir, client);
+    StickCheck check = checkStick(dir, client);
+    if (!parser.isSet(noContent)) {
+        QList<ContentJob> jobs;
+        for (CheckedEntry &entry : check.entries) {
+            if (entry.reason == NotOffered::No)
+                jobs.append({entry.name, entry.types, &entry.content});
+        }
+        readContents(dir, jobs, contentOptions);
+    }
     const QByteArray report = parser.isSet(json) ? jsonReport(check).toJson(QJsonDocument::Indented)
                                                  : textReport(check).toUtf8();
     std::fwrite(report.constData(), 1, static_cast<size_t>(report.size()), stdout);
@@ -110,6 +139,11 @@ int main(int argc, char *argv[])
         std::fprintf(stderr, "usb-stick-check: nothing on %s would be offered\n",
                      qUtf8Printable(printable(dir)));
         return 3;
+    }
+    if (const int errors = check.contentErrorCount()) {
+        std::fprintf(stderr, "usb-stick-check: %d offered %s errors in %s content\n", errors,
+                     errors == 1 ? "file has" : "files have", errors == 1 ? "its" : "their");
+        return 4;
     }
     return 0;
 }

@@ -9,6 +9,7 @@ packages=(
     util-linux mount psmisc iproute2 procps fontconfig
     xvfb xdotool x11-utils x11-apps imagemagick
     clang libclang-rt-14-dev valgrind dpkg-dev file lintian
+    libarchive-dev libssl-dev openssl jq
 )
 
 missing=()
