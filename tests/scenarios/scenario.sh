@@ -20,8 +20,9 @@
 #   program ARGS...         the program itself, offscreen; "window" as the last word waits until
 #                           its window is open, then closes it
 # Any other shell command prepares the client or the stick between steps. Each step's
-# transcript holds its output and status, the shell commands the program ran, the calls of the
-# client's tools, and every file the step created, changed or removed (text shown, else digest).
+# transcript holds its output and status, the shell commands the program ran, what the shell
+# said of those started in the background, the calls of the client's tools, and every file the
+# step created, changed or removed (text shown, else digest).
 set -uo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 source_dir=$(cd "$here/../.." && pwd)
@@ -133,16 +134,25 @@ step() {
     # Into a file, not a pipe: desktop programs the step starts keep running.
     "$@" >"$work/out" 2>&1
     status=$?
-    # Desktop programs started in the background record their calls in their own time: wait for
-    # them, and list the calls sorted (the shell log keeps the order).
-    grep -a ' &$' "$DAX_SHELL_LOG" | while IFS=' ' read -r started _; do
-        for _ in $(seq 50); do grep -a -q "^$started\( \|\$\)" "$SIM_CALL_LOG" && break; sleep 0.1; done
-    done
+    # Commands started in the background (desktop programs) run in their own time: wait until
+    # each has recorded its call or the shell has said it could not start it. Their calls, and
+    # what the shell said about them, are listed sorted (the shell log keeps the order).
+    grep -a ' &$' "$DAX_SHELL_LOG" | cut -d' ' -f1 >"$work/started"
+    while IFS= read -r started; do
+        for _ in $(seq 50); do
+            awk -v n="$started" '$0 == n || index($0, n " ") == 1 { f = 1 } END { exit !f }' \
+                "$SIM_CALL_LOG" && break
+            background <"$work/out" | grep -q -F -- ": $started: " && break
+            sleep 0.1
+        done
+    done <"$work/started"
     sort -o "$SIM_CALL_LOG" "$SIM_CALL_LOG"
+    background <"$work/out" | sort >"$work/background"
     # Object addresses in the toolkit's warnings differ from run to run.
-    sed -E 's/^/  /; s/0x[0-9a-f]{6,}/0x.../g' "$work/out"
+    background -v <"$work/out" | sed -E 's/^/  /; s/0x[0-9a-f]{6,}/0x.../g'
     printf 'status %d\n' "$status"
     section shell "$DAX_SHELL_LOG"
+    section background "$work/background"
     section calls "$SIM_CALL_LOG"
     section environment "$work/env.log"
     record
@@ -165,6 +175,19 @@ record() {
     sed -E 's/^(<[0-9]+>)[A-Z][a-z]{2} [ 0-9][0-9] [0-9:]{8} ([^ []*)\[[0-9]+\]:/\1TIME \2[PID]:/' \
         "$syslog_log" >"$work/syslog"
     section syslog "$work/syslog"
+}
+
+# background [-v]: the lines of the output in which the shell speaks of a command it started in
+# the background (-v: the other lines).
+background() {
+    awk -v others="${1:-}" -v list="$work/started" '
+        BEGIN { while ((getline n <list) > 0) names[n] }
+        {
+            mine = 0
+            if (match($0, /^\/bin\/sh: [0-9]+: /))
+                for (n in names) if (index(substr($0, RLENGTH + 1), n ": ") == 1) mine = 1
+            if (mine != (others == "-v")) print
+        }'
 }
 
 words() { (($# == 0)) || printf ' %q' "$@"; }
