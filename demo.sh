@@ -6,7 +6,9 @@
 #   ./demo.sh            with $DISPLAY: opens the window on that display; close it to end.
 #                        without: runs on a virtual X server inside the simulated client,
 #                        installs a wallpaper with the mouse and keyboard as an administrator
-#                        would, saves screenshots in demo-output/ and prints what changed.
+#                        would, then once more with a setwp that fails, saves screenshots in
+#                        demo-output/ (the main window back after a verified installation,
+#                        the dialog that stays after a failed one) and prints what changed.
 #
 # Environment: BUILD_DIR (default build), DEMO_OUTPUT (default demo-output).
 set -euo pipefail
@@ -74,6 +76,25 @@ EOF
     for i in $(seq 300); do mapped "$window" && break; sleep 0.1; done
     sleep 0.5
     shot "$window" main-window-after.png
+
+    # Once more, with a setwp that fails: the dialog stays, says what failed, and closes on
+    # Return.
+    printf '#!/bin/sh\nexit 3\n' >"$bin/setwp"
+    chmod +x "$bin/setwp"
+    echo "demo: installing beach.jpg again, with a setwp that exits 3"
+    click "$window" "${install[@]}"
+    dialog=
+    for _ in $(seq 300); do
+        list=$(xdotool search --onlyvisible --name '^USB Installer$' 2>/dev/null || true)
+        dialog=$(grep -vx "$window" <<<"$list" | head -n 1 || true)
+        [ -n "$dialog" ] && [ "$(xwininfo -id "$dialog" | awk '/Width:/ { print $2 }')" -gt 320 ] && break
+        sleep 0.1
+    done
+    sleep 0.5
+    shot "$dialog" failed-dialog.png
+    xdotool windowfocus --sync "$dialog" key Return
+    for _ in $(seq 300); do mapped "$window" && break; sleep 0.1; done
+    sleep 0.5
     click "$window" "${close_button[@]}"
     wait "$program" && echo "demo: usb-installer ended with status 0"
     tar -C "$shots" -cf - . >&3

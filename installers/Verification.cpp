@@ -132,7 +132,8 @@ Check checkCopy(const Effect &effect)
     case Bytes::Unreadable:
         break;
     }
-    return failed(copyName(effect) + QStringLiteral(" cannot be compared with ") + effect.source);
+    return failed(copyName(effect) + QStringLiteral(" cannot be compared with ") + effect.source +
+                  QStringLiteral(", which cannot be read"));
 }
 
 Check checkLink(const Effect &effect)
@@ -221,7 +222,7 @@ void verify(InstallOutcome &outcome)
     }
     for (int i = 0; i < outcome.steps.size(); ++i) {
         StepOutcome &step = outcome.steps[i];
-        step.failure = statusFailure(step);
+        // What is missing on the client says more than the status of the command that failed.
         for (int j = 0; j < step.effects.size(); ++j) {
             EffectOutcome &effect = step.effects[j];
             if (last.value(target(effect.effect)) != std::make_pair(i, j)) {
@@ -233,6 +234,8 @@ void verify(InstallOutcome &outcome)
             if (step.failure.isEmpty())
                 step.failure = found.failure;
         }
+        if (step.failure.isEmpty())
+            step.failure = statusFailure(step);
     }
 }
 

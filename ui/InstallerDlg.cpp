@@ -7,6 +7,8 @@
 #include "ui_InstallerDialog.h"
 
 #include <QCloseEvent>
+#include <QKeyEvent>
+#include <QPushButton>
 
 #include <utility>
 
@@ -29,6 +31,13 @@ InstallerDlg::InstallerDlg(InstallJob *job, installers::Routine routine)
     if (!text.isEmpty())
         ui->lInstall->setText(text);
 
+    // Shown only when the installation fails.
+    ui->lFailure->hide();
+    ui->pbClose->hide();
+    ui->pbClose->installEventFilter(this);
+    installEventFilter(this);
+    connect(ui->pbClose, &QPushButton::clicked, this, &QDialog::accept);
+
     connect(&installer, &RcInstaller::completed, this, &InstallerDlg::installed);
     installer.start(QThread::InheritPriority);
 }
@@ -38,8 +47,44 @@ InstallerDlg::~InstallerDlg() = default;
 void InstallerDlg::installed()
 {
     finished = true;
+    const InstallOutcome &outcome = installer.outcome();
+    if (!outcome.succeeded()) {
+        showFailure(outcome);
+        return;
+    }
     ui->lInstall->setText(QStringLiteral("Package(s) Installed"));
     close();
+}
+
+void InstallerDlg::showFailure(const InstallOutcome &outcome)
+{
+    const int steps = outcome.failureCount() - static_cast<int>(outcome.skipped.size());
+    QStringList counts;
+    if (steps > 0)
+        counts.append(steps == 1 ? QStringLiteral("1 step failed")
+                                 : QStringLiteral("%1 steps failed").arg(steps));
+    if (!outcome.skipped.isEmpty())
+        counts.append(outcome.skipped.size() == 1
+                          ? QStringLiteral("1 file was left out")
+                          : QStringLiteral("%1 files were left out").arg(outcome.skipped.size()));
+    ui->lInstall->setText(QStringLiteral("The installation failed."));
+    ui->lFailure->setText(QStringLiteral("%1.\n\n%2. The system log holds the details.")
+                              .arg(outcome.firstFailure(), counts.join(QStringLiteral(" and "))));
+    ui->pbInstall->hide();
+    ui->lFailure->show();
+    ui->pbClose->show();
+    ui->pbClose->setDefault(true);
+    ui->pbClose->setFocus();
+    setFixedSize(ui->pbClose->geometry().right() + 11, ui->pbClose->geometry().bottom() + 11);
+    windowsetup::centre(this);
+}
+
+bool InstallerDlg::eventFilter(QObject *watched, QEvent *event)
+{
+    if ((event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease) &&
+        static_cast<QKeyEvent *>(event)->isAutoRepeat())
+        return true;
+    return QDialog::eventFilter(watched, event);
 }
 
 void InstallerDlg::reject()

@@ -13,7 +13,9 @@ class InstallerDialog;
 }
 
 // The progress dialog of one installation. It starts the worker at once and refuses to close
-// until the worker has completed.
+// until the worker has completed. When everything verified it says so and closes at once;
+// when anything failed it stays, says what failed first, and closes on Return, Escape or its
+// Close button.
 class InstallerDlg : public QDialog
 {
     Q_OBJECT
@@ -30,8 +32,14 @@ public slots:
 
 protected:
     void closeEvent(QCloseEvent *event) override;
+    // Drops the repeats of a held key, so that a key held down since the main window cannot
+    // close the failure at once.
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
+    // Grows the dialog to say what failed, and waits for the administrator.
+    void showFailure(const InstallOutcome &outcome);
+
     const std::unique_ptr<Ui::InstallerDialog> ui;
     bool finished = false;
     RcInstaller installer;

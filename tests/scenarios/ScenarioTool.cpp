@@ -1,5 +1,7 @@
 #include "Dispatch.h"
 #include "InstallJob.h"
+#include "InstallOutcome.h"
+#include "Installation.h"
 #include "PackageTypes.h"
 #include "PlanningClient.h"
 #include "RcList.h"
@@ -14,7 +16,9 @@
 //   scenario-tool scan DIR               the files offered per type, and why others are not
 //   scenario-tool install TYPE DIR FILE...
 //                                        plans the installation as the stick check does, runs
-//                                        it as the window's worker does; exits with its result
+//                                        and verifies it as the window's worker does, prints
+//                                        each failure (nothing when all verified); exits with
+//                                        the installer's result
 // Everything the program logs is printed too, so that a transcript shows it.
 namespace {
 
@@ -59,13 +63,20 @@ int install(const QStringList &args)
 
     const int logStart = shellLog().size();
     InstallJob real = job;
-    const int result = installers::dispatch(&real, client);
+    const InstallOutcome outcome = installers::install(&real);
     // The stick check must say beforehand exactly what the installation runs.
     const QStringList ran = shellLog().mid(logStart);
     if (ran != plan.commands())
         std::printf("planned otherwise:\n  %s\n",
                     qUtf8Printable(plan.commands().join(QStringLiteral("\n  "))));
-    return result;
+    for (const SkippedFile &skipped : outcome.skipped)
+        std::printf("failed: %s left out: %s\n", qUtf8Printable(skipped.file),
+                    qUtf8Printable(skipped.reason));
+    for (const StepOutcome &step : outcome.steps) {
+        if (step.failed())
+            std::printf("failed: %s\n", qUtf8Printable(step.failure));
+    }
+    return outcome.routineResult;
 }
 
 } // namespace

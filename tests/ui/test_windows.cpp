@@ -1,3 +1,4 @@
+#include "ClientAccess.h"
 #include "Dispatch.h"
 #include "InstallJob.h"
 #include "InstallerDlg.h"
@@ -34,12 +35,13 @@
 // simulated client.
 namespace {
 
-// Stands between the worker and the installers: counts the installations, runs them (or not)
-// and, while hold is set, keeps each one from ending until the test releases it.
+// Stands between the worker and the installers: counts the installations, runs them (or not, or
+// in their place a copy that cannot be made and a tool that exits 3) and, while hold is set,
+// keeps each one from ending until the test releases it.
 struct Gate
 {
     std::atomic<int> runs{0};
-    std::atomic<bool> install{true}, hold{false};
+    std::atomic<bool> install{true}, fail{false}, hold{false};
     std::atomic<QThread *> worker{nullptr};
     QSemaphore started, release;
 } gate;
@@ -47,6 +49,11 @@ struct Gate
 int gated(InstallJob *job, ClientAccess &client)
 {
     const int result = gate.install ? installers::dispatch(job, client) : 1;
+    if (gate.fail) {
+        client.copyFile(QStringLiteral("/nowhere/beach.jpg"),
+                        QStringLiteral("/tmp/config/files/wallpapers/beach.jpg"));
+        client.run(StepKind::ClientTool, QStringLiteral("exit 3"));
+    }
     ++gate.runs;
     gate.worker = QThread::currentThread();
     gate.started.release();
@@ -220,6 +227,7 @@ private slots:
         QFile::resize(qEnvironmentVariable("SIM_CALL_LOG"), 0); // the tools' calls of this case
         gate.runs = 0;
         gate.install = true;
+        gate.fail = false;
         gate.hold = false;
         gate.started.tryAcquire(gate.started.available());
         gate.release.tryAcquire(gate.release.available());
@@ -547,6 +555,47 @@ private slots:
         gate.release.release();
         QVERIFY(QTest::qWaitFor([&dialog] { return !dialog.isVisible(); }));
         QCOMPARE(label->text(), QStringLiteral("Package(s) Installed"));
+    }
+
+    // A failed installation keeps its dialog open, names the first failure and the count, and
+    // closes on Return, Escape or its Close button; the repeats of a held key do nothing.
+    void failedDialogStaysUntilDismissed_data()
+    {
+        QTest::addColumn<int>("key"); // 0: the Close button is clicked
+        QTest::newRow("Return") << int(Qt::Key_Return);
+        QTest::newRow("Escape") << int(Qt::Key_Escape);
+        QTest::newRow("Close") << 0;
+    }
+
+    void failedDialogStaysUntilDismissed()
+    {
+        QFETCH(int, key);
+        gate.install = false;
+        gate.fail = true;
+        InstallJob job(*PackageTypes::find(QStringLiteral("wallpaper")), "/nowhere", {"file"});
+        InstallerDlg dialog(&job, gated);
+        dialog.show();
+        QVERIFY(gate.started.tryAcquire(1, 60000));
+        QTRY_COMPARE(child<QLabel>(&dialog, "lInstall")->text(),
+                     QStringLiteral("The installation failed."));
+        QTest::qWait(100);
+        QVERIFY(dialog.isVisible());
+        QCOMPARE(child<QLabel>(&dialog, "lFailure")->text(),
+                 QStringLiteral("the copy of beach.jpg in /tmp/config/files/wallpapers/ is "
+                                "missing.\n\n2 steps failed. The system log holds the details."));
+        auto *close = child<QPushButton>(&dialog, "pbClose");
+        QVERIFY(close->isVisible() && close->isDefault());
+        QCOMPARE(dialog.focusWidget(), close);
+        for (const Qt::Key held : {Qt::Key_Return, Qt::Key_Escape, Qt::Key_Space}) {
+            QKeyEvent repeat(QEvent::KeyPress, held, Qt::NoModifier, QString(), true);
+            QCoreApplication::sendEvent(close, &repeat);
+        }
+        QVERIFY(dialog.isVisible());
+        if (key)
+            QTest::keyClick(close, Qt::Key(key));
+        else
+            click(close);
+        QTRY_VERIFY(!dialog.isVisible());
     }
 };
 
