@@ -18,6 +18,30 @@
 
 #include <utility>
 
+namespace {
+
+// A file's row: shows the scan's name and carries it, for installing, as data that nothing in
+// the window can edit. The row's text is never read back: it could be edited into a command.
+template <typename Item> Item *fileItem(const QString &name)
+{
+    auto *item = new Item(name);
+    item->setData(Qt::UserRole, name);
+    item->setFlags(item->flags() & ~Qt::ItemIsEditable);
+    return item;
+}
+
+QString fileOf(const QTableWidgetItem *item)
+{
+    return item->data(Qt::UserRole).toString();
+}
+
+QString fileOf(const QListWidgetItem *item)
+{
+    return item->data(Qt::UserRole).toString();
+}
+
+} // namespace
+
 MgrDlg::MgrDlg(RcList *list, installers::Routine routine)
     : QMainWindow(nullptr), ui(std::make_unique<Ui::MainWindow>()), rcList(list),
       routine(std::move(routine))
@@ -90,7 +114,7 @@ void MgrDlg::fillMulti()
     for (int i = 0; i < currentFiles.size(); ++i) {
         if (ui->twMulti->rowCount() <= i)
             ui->twMulti->insertRow(i);
-        ui->twMulti->setItem(i, 0, new QTableWidgetItem(currentFiles.at(i)));
+        ui->twMulti->setItem(i, 0, fileItem<QTableWidgetItem>(currentFiles.at(i)));
         // Placed by index right after the item, although the sorting table may already have
         // moved the item to another row.
         auto *box = new QCheckBox;
@@ -104,7 +128,7 @@ void MgrDlg::fillSingle()
 {
     ui->lwSingle->clear();
     for (const QString &file : qAsConst(currentFiles))
-        ui->lwSingle->addItem(file);
+        ui->lwSingle->addItem(fileItem<QListWidgetItem>(file));
     ui->lwSingle->setCurrentRow(0);
 }
 
@@ -114,7 +138,7 @@ void MgrDlg::installSingle()
     if (!item)
         return;
     selectedFiles.clear();
-    selectedFiles.append(item->text());
+    selectedFiles.append(fileOf(item));
     startInstall();
 }
 
@@ -124,7 +148,7 @@ void MgrDlg::installMulti()
     for (int row = 0; row < ui->twMulti->rowCount(); ++row) {
         const auto *box = static_cast<QAbstractButton *>(ui->twMulti->cellWidget(row, 1));
         if (box && box->isChecked())
-            selectedFiles.append(ui->twMulti->item(row, 0)->text());
+            selectedFiles.append(fileOf(ui->twMulti->item(row, 0)));
     }
     startInstall();
 }

@@ -11,6 +11,7 @@
 #include <QHash>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QPainter>
 #include <QProgressBar>
@@ -298,9 +299,11 @@ private slots:
         QTest::addColumn<QString>("chosen"); // left ticked, or the one row clicked
         QTest::addColumn<QString>("folder"); // where in the client's tree the chosen files land
         QTest::addColumn<QString>("once");   // a tool the one installation runs once
+        QTest::addColumn<QString>("typed");  // typed into every file's row before installing
         const auto add = [](const char *name, const QString &files, const QString &type,
-                            const QString &chosen, const QString &folder, const QString &once) {
-            QTest::newRow(name) << files << type << chosen << folder << once;
+                            const QString &chosen, const QString &folder, const QString &once,
+                            const QString &typed = QString()) {
+            QTest::newRow(name) << files << type << chosen << folder << once << typed;
         };
 
         add("three ticked drivers make one installation", "x one.ppd,y two.ppd,z three.ppd,r.crt",
@@ -311,6 +314,11 @@ private slots:
         add("the chosen wallpaper", "my wall.png,Z.bmp,a.bmp,z.txt", "Wallpaper", "my wall.png",
             "wallpapers", "setwp");
         add("nothing ticked opens no dialog", "n1.crt,n2.crt", "Certificate", "", "cacerts", "");
+        // F2 and a double-click on a name, a command typed, Tab: the scan's names install.
+        const QString command = QStringLiteral("x\";id>/tmp/typed;\""); // no Space: it ticks
+        add("a command typed into the table", "e1.crt,e2.crt", "Certificate", "e1.crt,e2.crt",
+            "cacerts", "freeze", command);
+        add("a command typed into the list", "t1.png", "Icon", "t1.png", "icons", "", command);
     }
 
     void install()
@@ -320,6 +328,7 @@ private slots:
         QFETCH(QString, chosen);
         QFETCH(QString, folder);
         QFETCH(QString, once);
+        QFETCH(QString, typed);
 
         const auto list = scanStick(split(files));
         MgrDlg window(list.get(), gated);
@@ -359,6 +368,18 @@ private slots:
             click(view, chosen);
         }
         const QStringList before = rows(view);
+        for (int row = 0; !typed.isEmpty() && row < filled; ++row) {
+            const QModelIndex index = view->model()->index(row, 0);
+            view->setCurrentIndex(index);
+            QTest::keyClick(view, Qt::Key_F2);
+            QTest::mouseDClick(view->viewport(), Qt::LeftButton, {},
+                               view->visualRect(index).center());
+            QVERIFY(!qobject_cast<QLineEdit *>(QApplication::focusWidget())); // no editor
+            QTest::keyClicks(QApplication::focusWidget(), typed);
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab); // ends an edit
+        }
+        if (!typed.isEmpty())
+            QCOMPARE(rows(view), before);
 
         gate.hold = true;
         DialogWatch watch([&](QDialog *dialog) {
@@ -369,6 +390,7 @@ private slots:
         click(child<QPushButton>(&window,
                                  qobject_cast<QTableWidget *>(view) ? "bMInstall" : "bSInstall"));
         QCOMPARE(watch.shown, !chosen.isEmpty());
+        QVERIFY(!QFile::exists(QStringLiteral("/tmp/typed")));
         QCOMPARE(gate.runs.load(), chosen.isEmpty() ? 0 : 1);
         QVERIFY(window.isVisible());
         QCOMPARE(rows(view), before);
