@@ -17,14 +17,15 @@ namespace {
 const int waitMs = 30000;
 
 // The terminal-password prompt. Exit code 1 means the user passed it (the prompt's own,
-// inverted convention). On refusal every prompt is stopped.
+// inverted convention), and only when the prompt ended by itself: one killed by a signal (a lost
+// X connection, a hang-up) or still running did not pass. On refusal every prompt is stopped.
 bool passesTerminalPassword()
 {
     QProcess prompt;
     prompt.start(QStringLiteral("wpasswd"), QStringList(), QIODevice::ReadWrite);
-    prompt.waitForFinished(waitMs);
+    const bool ended = prompt.waitForFinished(waitMs);
     qDebug() << "Exit codee " << prompt.exitCode();
-    if (prompt.exitCode() == 1)
+    if (ended && prompt.exitStatus() == QProcess::NormalExit && prompt.exitCode() == 1)
         return true;
     prompt.terminate();
     // Same process object: killall only starts once wpasswd has ended.
@@ -56,22 +57,21 @@ void restoreStartEnvironment(bool glTurnedOff)
     qunsetenv("QT_XCB_GL_INTEGRATION");
 }
 
-// The installers put the mount directory into root shell commands: one holding a character
-// that would end, chain, redirect or unquote such a command is refused before anything is done.
+// The installers put the mount directory into root shell commands and judge links by it: one
+// holding a character that would end, chain, redirect or unquote such a command, an empty one
+// and the root folder are refused before anything is done.
 bool refusesMountDirectory(const QString &dir)
 {
-    const QChar unsafe = shellUnsafeCharacter(dir);
-    if (unsafe.isNull())
+    const std::optional<RefusedDirectory> refused = refusedMountDirectory(dir);
+    if (!refused)
         return false;
     // One line, whatever the path holds.
     const auto visible = [](QString text) {
         return text.replace(QLatin1Char('\n'), QLatin1String("\\n"))
             .replace(QLatin1Char('\r'), QLatin1String("\\r"));
     };
-    std::fprintf(stderr,
-                 "Refusing the mount directory \"%s\": it holds '%s', which a shell command "
-                 "would act on\n",
-                 qUtf8Printable(visible(dir)), qUtf8Printable(visible(unsafe)));
+    std::fprintf(stderr, "Refusing the mount directory \"%s\": %s\n", qUtf8Printable(visible(dir)),
+                 qUtf8Printable(refused->why));
     return true;
 }
 

@@ -42,6 +42,14 @@ QJsonObject entryObject(const CheckedEntry &entry)
     }
     if (!entry.detail.isEmpty())
         object.insert(QStringLiteral("detail"), entry.detail);
+    QJsonArray refusedAs;
+    for (const TypeRefusal &refusal : entry.refusedAs)
+        refusedAs.append(QJsonObject{{QStringLiteral("type"), refusal.type->typeKey()},
+                                     {QStringLiteral("reason"), reasonCode(refusal.reason)},
+                                     {QStringLiteral("why"), refusal.why},
+                                     {QStringLiteral("detail"), refusal.detail}});
+    if (!refusedAs.isEmpty())
+        object.insert(QStringLiteral("refused_as"), refusedAs);
     if (!entry.hiddenTypes.isEmpty())
         object.insert(QStringLiteral("hidden_extension_types"), typeKeys(entry.hiddenTypes));
     if (!entry.content.kind.isEmpty())
@@ -109,7 +117,12 @@ QJsonDocument jsonReport(const StickCheck &check)
                        {QStringLiteral("entries"), entries},
                        {QStringLiteral("offered"), check.offeredCount()},
                        {QStringLiteral("installations"), installations}};
-    if (!check.refusedDirectory.isEmpty())
-        report.insert(QStringLiteral("refused_directory"), check.refusedDirectory);
+    if (const std::optional<RefusedDirectory> &refused = check.refusedDirectory) {
+        QJsonObject why{{QStringLiteral("reason"), refused->code},
+                        {QStringLiteral("why"), refused->why}};
+        if (!refused->detail.isEmpty())
+            why.insert(QStringLiteral("detail"), refused->detail);
+        report.insert(QStringLiteral("refused_directory"), why);
+    }
     return QJsonDocument(report);
 }

@@ -59,6 +59,8 @@ NotOffered reasonOf(StickEntry::Verdict verdict)
         return NotOffered::NotAFile;
     case V::RefusedName:
         return NotOffered::RefusedName;
+    case V::MisleadingName:
+        return NotOffered::MisleadingName;
     case V::DanglingLink:
         return NotOffered::DanglingLink;
     case V::LinkLoop:
@@ -67,6 +69,10 @@ NotOffered reasonOf(StickEntry::Verdict verdict)
         return NotOffered::LinkToNonFile;
     case V::LeavesStick:
         return NotOffered::LeavesStick;
+    case V::BlankFreeName:
+        return NotOffered::BlankFreeName;
+    case V::ClientTreeName:
+        return NotOffered::ClientTreeName;
     }
     return NotOffered::NoPattern;
 }
@@ -78,6 +84,19 @@ void classify(CheckedEntry &entry, const StickEntry &verdict)
     entry.why = verdict.offered() ? QStringLiteral("no type's pattern matches") : verdict.reason();
     if (entry.reason == NotOffered::Folder)
         entry.why += QStringLiteral("; the files in it are not looked at");
+}
+
+// The types entry's name matches that refuse it, although the name rule offers it.
+QList<TypeRefusal> refusalsByType(const StickDirectory &stick, const CheckedEntry &entry,
+                                  const StickEntry &verdict)
+{
+    QList<TypeRefusal> refusals;
+    for (const PackageType *type : typesMatching(entry.name)) {
+        const StickEntry asType = stick.classifyAs(*type, entry.name, verdict);
+        if (!asType.offered())
+            refusals.append({type, reasonOf(asType.verdict), asType.detail, asType.reason()});
+    }
+    return refusals;
 }
 
 // Files at any depth below a folder of the stick, sorted by their path.
@@ -142,12 +161,9 @@ int StickCheck::contentErrorCount() const
 
 StickCheck checkStick(const QString &dir, const ClientState &client)
 {
-    StickCheck check{dir, client, {}, {}, {}};
-    const QChar refused = shellUnsafeCharacter(dir);
-    if (!refused.isNull()) {
-        check.refusedDirectory = refused;
+    StickCheck check{dir, client, refusedMountDirectory(dir), {}, {}};
+    if (check.refusedDirectory)
         return check;
-    }
     RcList found(dir);
     scanEveryType(found);
     QHash<QString, QSet<QString>> offered; // file name -> type keys
@@ -168,8 +184,18 @@ StickCheck checkStick(const QString &dir, const ClientState &client)
             if (offered.value(entry.name).contains(type->typeKey()))
                 entry.types.append(type);
         }
-        if (entry.types.isEmpty())
-            classify(entry, stick.classify(info));
+        const StickEntry verdict = stick.classify(info);
+        if (verdict.offered())
+            entry.refusedAs = refusalsByType(stick, entry, verdict);
+        if (entry.types.isEmpty() && !entry.refusedAs.isEmpty()) {
+            const TypeRefusal first = entry.refusedAs.takeFirst();
+            entry.refusedAs.clear();
+            entry.reason = first.reason;
+            entry.detail = first.detail;
+            entry.why = first.why;
+        } else if (entry.types.isEmpty()) {
+            classify(entry, verdict);
+        }
         const int lastDot = entry.name.lastIndexOf(QLatin1Char('.'));
         if (info.isFile() && entry.name.left(lastDot).contains(QLatin1Char('.'))) {
             const QList<const PackageType *> inner = typesMatching(entry.name.left(lastDot));
@@ -198,6 +224,8 @@ QString reasonCode(NotOffered reason)
         return QStringLiteral("not-a-file");
     case NotOffered::RefusedName:
         return QStringLiteral("refused-name");
+    case NotOffered::MisleadingName:
+        return QStringLiteral("misleading-name");
     case NotOffered::DanglingLink:
         return QStringLiteral("dangling-link");
     case NotOffered::LinkLoop:
@@ -206,6 +234,10 @@ QString reasonCode(NotOffered reason)
         return QStringLiteral("link-to-non-file");
     case NotOffered::LeavesStick:
         return QStringLiteral("link-leaves-stick");
+    case NotOffered::BlankFreeName:
+        return QStringLiteral("blank-free-name");
+    case NotOffered::ClientTreeName:
+        return QStringLiteral("client-tree-name");
     case NotOffered::NoPattern:
         return QStringLiteral("no-pattern");
     case NotOffered::InSubfolder:

@@ -3,6 +3,7 @@
 
 #include "Finding.h"
 #include "PlanningClient.h"
+#include "StickEntry.h"
 
 #include <QList>
 #include <QString>
@@ -17,12 +18,24 @@ enum class NotOffered {
     Folder,
     NotAFile,
     RefusedName,
+    MisleadingName,
     DanglingLink,
     LinkLoop,
     LinkToNonFile,
     LeavesStick,
+    BlankFreeName,
+    ClientTreeName,
     NoPattern,   // a file no type's pattern matches
     InSubfolder, // a file inside a folder of the stick: not looked at
+};
+
+// Why an entry is not offered as one type that its name matches.
+struct TypeRefusal
+{
+    const PackageType *type = nullptr;
+    NotOffered reason = NotOffered::No;
+    QString detail;
+    QString why;
 };
 
 // One entry of the mount directory, or a file inside one of its subfolders.
@@ -33,6 +46,9 @@ struct CheckedEntry
     NotOffered reason = NotOffered::No;
     QString detail; // the refused character, or where a link leads
     QString why;    // the reason in words; empty when offered
+    // The types its name matches that refuse it although others offer it (an Imprivata
+    // picture named like one of the client's own files).
+    QList<TypeRefusal> refusedAs;
     // A known extension hidden behind another ("logo.png.txt"): the types the name would be
     // offered as without its last extension.
     QList<const PackageType *> hiddenTypes;
@@ -57,9 +73,9 @@ struct StickCheck
 {
     QString dir; // as given, as the program would be given it
     ClientState client;
-    // The character for which the program refuses the mount directory itself, offering nothing;
-    // empty when it does not.
-    QString refusedDirectory;
+    // Why the program refuses the mount directory itself, offering nothing; nothing when it
+    // does not.
+    std::optional<RefusedDirectory> refusedDirectory;
     QList<CheckedEntry> entries; // sorted as the window sorts names
     QList<PlannedInstallation> installations;
 

@@ -53,6 +53,9 @@ QString entryLines(const CheckedEntry &entry)
     else
         line += QStringLiteral("not offered: ") + printable(entry.why);
     line += QLatin1Char('\n');
+    for (const TypeRefusal &refusal : entry.refusedAs)
+        line += indent + QStringLiteral("note: not offered as %1: %2\n")
+                             .arg(refusal.type->name(), printable(refusal.why));
     if (!entry.hiddenTypes.isEmpty()) {
         const QString name = entry.name;
         const QString inner = name.left(name.lastIndexOf(QLatin1Char('.')));
@@ -129,10 +132,9 @@ QString textReport(const StickCheck &check)
 {
     QString text = QStringLiteral("Stick:  %1\nClient: %2\n\nEntries:\n")
                        .arg(printable(check.dir), clientDescription(check));
-    if (!check.refusedDirectory.isEmpty())
-        text += QStringLiteral("  (none looked at: the program refuses this mount directory, which "
-                               "holds %1)\n")
-                    .arg(QStringLiteral("'%1'").arg(printable(check.refusedDirectory)));
+    if (check.refusedDirectory)
+        text += QStringLiteral("  (none looked at: the program refuses this mount directory: %1)\n")
+                    .arg(printable(check.refusedDirectory->why));
     else if (check.entries.isEmpty())
         text += QStringLiteral("  (none)\n");
     for (const CheckedEntry &entry : check.entries)

@@ -106,8 +106,9 @@ int main(int argc, char *argv[])
             return usageError(QStringLiteral("a date is written YYYY-MM-DD"));
     }
 
+    // A directory the program refuses outright is reported before it is looked at.
     const QString dir = parser.positionalArguments().first();
-    const QString why = unreadable(dir);
+    const QString why = refusedMountDirectory(dir) ? QString() : unreadable(dir);
     if (!why.isEmpty())
         return fail(why);
 
@@ -129,10 +130,10 @@ int main(int argc, char *argv[])
     const QByteArray report = parser.isSet(json) ? jsonReport(check).toJson(QJsonDocument::Indented)
                                                  : textReport(check).toUtf8();
     std::fwrite(report.constData(), 1, static_cast<size_t>(report.size()), stdout);
-    if (!check.refusedDirectory.isEmpty()) {
-        std::fprintf(stderr, "usb-stick-check: the program refuses %s: it holds '%s'\n",
+    if (check.refusedDirectory) {
+        std::fprintf(stderr, "usb-stick-check: the program refuses \"%s\": %s\n",
                      qUtf8Printable(printable(dir)),
-                     qUtf8Printable(printable(check.refusedDirectory)));
+                     qUtf8Printable(printable(check.refusedDirectory->why)));
         return 3;
     }
     if (check.offeredCount() == 0) {

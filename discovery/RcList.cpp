@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <dirent.h>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -172,7 +173,14 @@ bool scanEveryType(RcList &list)
             if (!entry.verdict)
                 entry.verdict = stick.classify(entry.name, entry.kind);
             if (entry.verdict->offered()) {
-                list.entries.append({key, entry.name});
+                const StickEntry asType = stick.classifyAs(type, entry.name, *entry.verdict);
+                if (asType.offered()) {
+                    list.entries.append({key, entry.name});
+                } else if (!std::exchange(entry.reported, true)) {
+                    qCDebug(lcStick) << entry.name
+                                     << qUtf8Printable(QStringLiteral("is not offered as %1: %2")
+                                                           .arg(type.name(), asType.reason()));
+                }
             } else if (entry.verdict->worthReporting() && !entry.reported) {
                 entry.reported = true;
                 qCDebug(lcStick) << entry.name

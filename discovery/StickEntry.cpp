@@ -1,5 +1,8 @@
 #include "StickEntry.h"
 
+#include "ClientPaths.h"
+#include "PackageTypes.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -54,6 +57,11 @@ std::optional<StickEntry> refusedName(const QString &name, bool link)
     const QChar unsafe = shellUnsafeCharacter(name);
     if (!unsafe.isNull())
         return judged(StickEntry::Verdict::RefusedName, link, QString(unsafe));
+    // The window would list a name other than the file installed: "root\u202Etrc.pem" shows as
+    // "rootmep.crt".
+    if (const std::optional<char32_t> misleading = misleadingCharacter(name))
+        return judged(StickEntry::Verdict::MisleadingName, link,
+                      QStringLiteral("U+%1").arg(*misleading, 4, 16, QLatin1Char('0')).toUpper());
     return std::nullopt;
 }
 
@@ -79,6 +87,8 @@ QString StickEntry::reason() const
         return detail == QLatin1String("-")
                    ? QStringLiteral("a name beginning with '-'")
                    : QStringLiteral("a name holding %1").arg(characterName(detail));
+    case Verdict::MisleadingName:
+        return QStringLiteral("a name holding %1, which shows it as another name").arg(detail);
     case Verdict::DanglingLink:
         return QStringLiteral("a dangling link, to ") + detail;
     case Verdict::LinkLoop:
@@ -87,6 +97,14 @@ QString StickEntry::reason() const
         return QStringLiteral("a link to something that is not a regular file: ") + detail;
     case Verdict::LeavesStick:
         return QStringLiteral("a link that leaves the stick, to ") + detail;
+    case Verdict::BlankFreeName:
+        return detail == QLatin1String("-")
+                   ? QStringLiteral("a certificate whose name without blanks begins with '-'")
+                   : QStringLiteral("a certificate whose name without blanks is taken on the "
+                                    "stick, by ") +
+                         detail;
+    case Verdict::ClientTreeName:
+        return QStringLiteral("named like one of the client's own files, ") + detail;
     }
     return {};
 }
@@ -112,6 +130,33 @@ QChar shellUnsafeCharacter(const QString &text)
         }
     }
     return {};
+}
+
+std::optional<char32_t> misleadingCharacter(const QString &name)
+{
+    for (const char32_t c : name.toUcs4()) {
+        if (c < 0x20 || (c >= 0x7f && c <= 0x9f) || QChar::category(c) == QChar::Other_Format)
+            return c;
+    }
+    return std::nullopt;
+}
+
+std::optional<RefusedDirectory> refusedMountDirectory(const QString &dir)
+{
+    if (dir.isEmpty())
+        return RefusedDirectory{QStringLiteral("empty"), QString(),
+                                QStringLiteral("it is empty, which would look at the working "
+                                               "folder while installing from the root folder")};
+    const QChar unsafe = shellUnsafeCharacter(dir);
+    if (!unsafe.isNull())
+        return RefusedDirectory{QStringLiteral("unsafe-character"), QString(unsafe),
+                                QStringLiteral("it holds %1, which a shell command would act on")
+                                    .arg(characterName(QString(unsafe)))};
+    if (resolvedPath(QDir(dir).absolutePath()) == "/")
+        return RefusedDirectory{QStringLiteral("root"), QString(),
+                                QStringLiteral("it is the root folder, where no link would "
+                                               "leave the stick")};
+    return std::nullopt;
 }
 
 StickDirectory::StickDirectory(const QString &mountDir) : m_dir(mountDir)
@@ -173,4 +218,49 @@ StickEntry StickDirectory::followLink(const QFileInfo &entry) const
     if (::stat(target.constData(), &status) != 0 || !S_ISREG(status.st_mode))
         return judged(V::LinkToNonFile, true, QFile::decodeName(target));
     return judged(V::Offered, true);
+}
+
+StickEntry StickDirectory::classifyAs(const PackageType &type, const QString &name,
+                                      const StickEntry &entry) const
+{
+    using V = StickEntry::Verdict;
+    if (!entry.offered())
+        return entry;
+    if (type.routine == InstallerRoutine::Certificates && name.contains(QLatin1Char(' '))) {
+        // The installer copies the file to this name on the stick and hands it to a client tool.
+        QString blankFree = name;
+        blankFree.remove(QLatin1Char(' '));
+        if (blankFree.startsWith(QLatin1Char('-')))
+            return judged(V::BlankFreeName, entry.link, QStringLiteral("-"));
+        const QString standing = standingAs(blankFree);
+        if (!standing.isEmpty())
+            return judged(V::BlankFreeName, entry.link, standing);
+    }
+    if (type.routine == InstallerRoutine::ImprivataImage && clientpaths::isTreeName(name))
+        return judged(V::ClientTreeName, entry.link,
+                      clientpaths::filesDir() + QLatin1Char('/') + name);
+    return entry;
+}
+
+StickEntry StickDirectory::judgeAgain(const PackageType &type, const QString &name) const
+{
+    struct stat status;
+    const QByteArray path = QFile::encodeName(QDir(m_dir).path() + QLatin1Char('/') + name);
+    if (::lstat(path.constData(), &status) != 0 && errno == ENOENT)
+        return judged(StickEntry::Verdict::Offered, false);
+    return classifyAs(type, name, classify(name));
+}
+
+QString StickDirectory::standingAs(const QString &name) const
+{
+    // Sticks are mostly FAT, where "AB.crt" and "ab.crt" are one file: compared case-folded,
+    // whatever the file system here.
+    if (!m_folded) {
+        m_folded.emplace();
+        const QStringList names = QDir(m_dir).entryList(
+            QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::NoSort);
+        for (const QString &entry : names)
+            m_folded->insert(entry.toCaseFolded(), entry);
+    }
+    return m_folded->value(name.toCaseFolded());
 }

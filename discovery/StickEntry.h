@@ -3,10 +3,14 @@
 
 #include <QByteArray>
 #include <QChar>
+#include <QHash>
 #include <QLoggingCategory>
 #include <QString>
 
+#include <optional>
+
 class QFileInfo;
+struct PackageType;
 
 Q_DECLARE_LOGGING_CATEGORY(lcStick)
 
@@ -17,14 +21,20 @@ struct StickEntry
 {
     enum class Verdict {
         Offered,
-        Hidden,        // the name begins with '.'
-        Folder,        // a folder itself (not a link to one)
-        NotAFile,      // a device, FIFO or socket, or nothing by that name
-        RefusedName,   // detail: the character the name is refused for
-        DanglingLink,  // detail: where the link leads
-        LinkLoop,      // detail: where the link leads
-        LinkToNonFile, // a link ending at a folder, device, FIFO or socket; detail: that target
-        LeavesStick,   // a link ending outside the mount directory; detail: that target
+        Hidden,         // the name begins with '.'
+        Folder,         // a folder itself (not a link to one)
+        NotAFile,       // a device, FIFO or socket, or nothing by that name
+        RefusedName,    // detail: the character the name is refused for
+        MisleadingName, // a control or format character; detail: its code point ("U+202E")
+        DanglingLink,   // detail: where the link leads
+        LinkLoop,       // detail: where the link leads
+        LinkToNonFile,  // a link ending at a folder, device, FIFO or socket; detail: that target
+        LeavesStick,    // a link ending outside the mount directory; detail: that target
+        // Only for the type judged (StickDirectory::classifyAs):
+        BlankFreeName,  // a certificate's blank-free name begins with '-' (detail "-") or is
+                        // taken on the stick (detail: the entry standing there)
+        ClientTreeName, // an Imprivata picture named like one of the client tree's own files;
+                        // detail: that file
     };
 
     Verdict verdict = Verdict::Offered;
@@ -45,6 +55,22 @@ struct StickEntry
 // breaks), or changes a double-quoted word (" \). A null QChar when there is none.
 QChar shellUnsafeCharacter(const QString &text);
 
+// The first character of a name that makes it show as another name: a control character
+// (U+0000-U+001F, U+007F-U+009F) or a format character (the bidirectional controls, zero-width
+// spaces and joiners, the byte order mark, ...). A null value when there is none.
+std::optional<char32_t> misleadingCharacter(const QString &name);
+
+// Why the program refuses a mount directory outright, before looking at it: it is empty (the
+// working folder would be scanned while the installers read "/NAME"), it resolves to "/" (every
+// link would then stay "on the stick"), or it holds a character of shellUnsafeCharacter().
+struct RefusedDirectory
+{
+    QString code;   // "empty", "root" or "unsafe-character", for scripts
+    QString detail; // the character, for "unsafe-character"
+    QString why;    // in words: "it holds ';', which a shell command would act on"
+};
+std::optional<RefusedDirectory> refusedMountDirectory(const QString &dir);
+
 // The mount directory, resolved once, judging its own entries by name.
 class StickDirectory
 {
@@ -63,12 +89,26 @@ public:
     // The same for an entry read from the directory itself: only a link, or an entry of
     // unknown kind, needs a further look at the disk.
     StickEntry classify(const QString &name, Kind kind) const;
+    // What the rule adds for one package type, for an entry that classify() offers: a
+    // certificate's blank-free name must not begin with '-' nor stand on the stick already in
+    // any letter case (its copy is written there); an Imprivata picture must not be named like
+    // one of the client tree's own files (it is copied to the top of that tree). The entry
+    // itself when nothing is added.
+    StickEntry classifyAs(const PackageType &type, const QString &name,
+                          const StickEntry &entry) const;
+    // The whole rule again for a file chosen for type, just before the commands that read it.
+    // A file that is merely gone stays offered: its installer fails on it as it always did.
+    StickEntry judgeAgain(const PackageType &type, const QString &name) const;
 
 private:
     StickEntry followLink(const QFileInfo &entry) const;
+    // The entry standing on the stick under name in any letter case, or an empty text.
+    QString standingAs(const QString &name) const;
 
     QString m_dir;
     QByteArray m_resolved; // with a trailing '/', so that a prefix test means "inside"
+    // The stick's entries by case-folded name, listed when first needed.
+    mutable std::optional<QHash<QString, QString>> m_folded;
 };
 
 #endif

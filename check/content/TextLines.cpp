@@ -14,6 +14,8 @@ QString printable(const QString &text)
             result += QStringLiteral("\\r");
         else if (c.category() == QChar::Other_Control)
             result += QStringLiteral("\\x%1").arg(c.unicode(), 2, 16, QLatin1Char('0'));
+        else if (c.category() == QChar::Other_Format) // shown, not obeyed: "\u202e"
+            result += QStringLiteral("\\u%1").arg(c.unicode(), 4, 16, QLatin1Char('0'));
         else
             result += c;
     }
