@@ -1,6 +1,8 @@
 #include "PlanningClient.h"
 
+#include "InstallJob.h"
 #include "InstallerSupport.h"
+#include "StickEntry.h"
 
 #include <QFile>
 
@@ -61,14 +63,25 @@ QString PlanningClient::digest(const QString &path)
     return source.isEmpty() ? QString() : installers::pictureDigest(source);
 }
 
+std::optional<QString> PlanningClient::judgeAgain(const InstallJob &job, const QString &file)
+{
+    const StickEntry entry = StickDirectory(job.dir).judgeAgain(*job.type, file);
+    return entry.offered() ? std::nullopt : std::optional<QString>(entry.reason());
+}
+
+std::optional<QString> PlanningClient::refusesDestination(const QString & /*destination*/)
+{
+    return std::nullopt;
+}
+
 StepResult PlanningClient::perform(const Step &step)
 {
     Step planned = step;
     for (Effect &effect : planned.effects) {
         if (effect.kind == Effect::Kind::SetsKey && !effect.source.isEmpty()) {
             // The tool reads the file as UTF-8 when it runs: by then it holds the copied bytes.
-            QFile file(copiedFrom(effect.source));
-            if (file.open(QIODevice::ReadOnly))
+            QFile file;
+            if (installers::openRegularFile(file, copiedFrom(effect.source), true))
                 effect.value = QString::fromUtf8(file.readAll());
         }
     }

@@ -35,6 +35,11 @@ public:
     bool hasOsVariantMarker() override;
     std::optional<QString> modality() override;
     QString digest(const QString &path) override;
+    // Judged again by the scan's rule: the check's scan judged the same file a moment before,
+    // so the answer is the scan's.
+    std::optional<QString> judgeAgain(const InstallJob &job, const QString &file) override;
+    // The check assumes a client whose tree holds no links but the installers' own.
+    std::optional<QString> refusesDestination(const QString &destination) override;
 
     StepResult perform(const Step &step) override;
 

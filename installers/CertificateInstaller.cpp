@@ -10,9 +10,11 @@ namespace installers {
 
 int installCertificates(InstallJob *job, ClientAccess &client)
 {
-    const QString folder = filesDir() + QStringLiteral("/cacerts");
+    const QString folder = inTree(TreeName::Certificates);
     // The length is read again before each file.
     for (int i = 0; i < job->files.size(); ++i) {
+        if (!client.mayRead(*job, job->files.at(i)))
+            continue;
         qDebug() << " RMF - cert " << job->files.at(i);
         if (job->files.at(i).contains(QLatin1Char(' '))) {
             const QString selected = sourcePath(*job, job->files.at(i));

@@ -1,8 +1,32 @@
 #include "ClientAccess.h"
 
+#include "StickEntry.h"
+
+#include <QDebug>
+
 ClientAccess::~ClientAccess() = default;
 
 void ClientAccess::fileSkipped(const QString & /*file*/, const QString & /*reason*/) {}
+
+bool ClientAccess::mayRead(const InstallJob &job, const QString &file)
+{
+    const std::optional<QString> refusal = judgeAgain(job, file);
+    if (!refusal)
+        return true;
+    qCDebug(lcStick) << file << "is left out of the installation:" << qUtf8Printable(*refusal);
+    fileSkipped(file, *refusal);
+    return false;
+}
+
+bool ClientAccess::mayWriteTo(const QString &file, const QString &destination)
+{
+    const std::optional<QString> refusal = refusesDestination(destination);
+    if (!refusal)
+        return true;
+    qCDebug(lcStick) << file << "is left out of the installation:" << qUtf8Printable(*refusal);
+    fileSkipped(file, *refusal);
+    return false;
+}
 
 void ClientAccess::run(StepKind kind, const QString &commandLine, const QList<Effect> &effects)
 {

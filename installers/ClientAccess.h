@@ -9,6 +9,8 @@
 
 #include <optional>
 
+struct InstallJob;
+
 using KeyValues = QList<QPair<QString, QString>>;
 
 // How a step went, as far as the client says at once; the effects are verified afterwards.
@@ -45,13 +47,32 @@ public:
     // The safety rules left a chosen file out just before its commands.
     virtual void fileSkipped(const QString &file, const QString &reason);
 
+    // The re-check of each chosen file, which every installer makes immediately before the
+    // commands that read that file (an installer of one file: before its first command): true
+    // when they may run. The stick is a device someone else controls, and a file may have
+    // changed since the scan. A refused file gets one debug line and fileSkipped(), and its
+    // commands do not run.
+    bool mayRead(const InstallJob &job, const QString &file);
+    // Whether a copy of file may be written to destination in the client's tree: not through
+    // a link standing there. A refusal is reported as for mayRead().
+    bool mayWriteTo(const QString &file, const QString &destination);
+    // Why a chosen file may not be read now, or nothing. The program judges it again by the
+    // scan's rule (still a regular file, a link still ending at a regular file on the stick, a
+    // certificate's blank-free name still free; one that is merely gone stays, and its commands
+    // fail as they always did); the stick check answers as its scan did a moment before.
+    virtual std::optional<QString> judgeAgain(const InstallJob &job, const QString &file) = 0;
+    // Why a copy may not be written to destination (a link stands there), or nothing.
+    virtual std::optional<QString> refusesDestination(const QString &destination) = 0;
+
     // Performs one step. A shell step's line runs through the client's shell exactly as given
     // (a line ending in "&" returns at once); a toolkit step does what its effects say.
     virtual StepResult perform(const Step &step) = 0;
 
     // Shorthands that build the step and perform it.
     void run(StepKind kind, const QString &commandLine, const QList<Effect> &effects = {});
-    // The toolkit's copy: never replaces an existing file.
+    // The toolkit's copy: never replaces an existing file or writes through a link. It reads
+    // only a file mayRead() accepted, opened without blocking or following a link, and only
+    // while it is still that regular file.
     void copyFile(const QString &from, const QString &to);
     // Makes a folder and its missing parents.
     void makeFolder(const QString &folder);

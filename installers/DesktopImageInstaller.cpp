@@ -26,26 +26,7 @@ const ModalityStart modalityStarts[] = {
     {"ZUL-C", nullptr},
 };
 
-// Fills every "%1" and "%2" of a text in one pass; other "%" sequences stay as they are.
-QString fillTwo(const QString &text, const QString &first, const QString &second)
-{
-    QString result;
-    result.reserve(text.size() + first.size() + second.size());
-    for (int i = 0; i < text.size(); ++i) {
-        if (text.at(i) == QLatin1Char('%') && i + 1 < text.size()) {
-            const QChar digit = text.at(i + 1);
-            if (digit == QLatin1Char('1') || digit == QLatin1Char('2')) {
-                result += digit == QLatin1Char('1') ? first : second;
-                ++i;
-                continue;
-            }
-        }
-        result += text.at(i);
-    }
-    return result;
-}
-
-void startDesktopForModality(const QString &source, ClientAccess &client)
+void startDesktopForModality(const InstallJob &job, ClientAccess &client)
 {
     const std::optional<QString> modality = client.modality();
     if (!modality) {
@@ -60,8 +41,13 @@ void startDesktopForModality(const QString &source, ClientAccess &client)
         if (start.command) {
             client.run(StepKind::Background, start.command);
         } else {
-            // Citrix gets the picture from the stick, not the launch pad copy.
-            const QString citrix = filesDir() + QStringLiteral("/citrix-desktop.jpg");
+            // Citrix gets the picture from the stick, not the launch pad copy: read a second
+            // time, so judged a second time.
+            const QString &name = job.files.first();
+            if (!client.mayRead(job, name))
+                return;
+            const QString source = sourcePath(job, name);
+            const QString citrix = inTree(TreeName::CitrixDesktop);
             client.run(StepKind::ConfigCopy, fill("cp \"%1\" %2", source, citrix),
                        {Effect::copies(source, citrix)});
         }
@@ -75,23 +61,21 @@ void startDesktopForModality(const QString &source, ClientAccess &client)
 // modality calls for.
 int installDesktop(InstallJob *job, ClientAccess &client)
 {
-    if (job->files.isEmpty())
+    if (job->files.isEmpty() || !client.mayRead(*job, job->files.first()))
         return 0;
     const QString &name = job->files.first();
     const QString source = sourcePath(*job, name);
-    const QString launchPad = filesDir() + QStringLiteral("/launchpad");
-    const QString link = filesDir() + QStringLiteral("/desktop_img.jpg");
+    const QString launchPad = inTree(TreeName::LaunchPad);
+    const QString link = inTree(TreeName::DesktopLink);
     const bool osVariant = client.hasOsVariantMarker();
     qDebug() << "RMF - Installing " << source;
     client.run(StepKind::Housekeeping, fill("mkdir -p %1", launchPad),
                {Effect::makesFolder(launchPad)});
     const QString destination = fill("%1/%2", launchPad, name);
-    // The source path is spliced in before the placeholders are filled, so a "%1" or
-    // "%2" in it is filled as well.
-    client.run(StepKind::ConfigCopy,
-               fillTwo(QStringLiteral("cp \"") + source + QStringLiteral("\" \"%1/%2\" "),
-                       launchPad, name),
-               {Effect::copies(fillTwo(source, launchPad, name), destination)});
+    // The template is filled first and the source put in whole, so a "%1", "%2" or "%20" in a
+    // name is just part of it (the client's command would fill those too).
+    client.run(StepKind::ConfigCopy, fill("cp \"%1\" \"%2/%3\" ", source, launchPad, name),
+               {Effect::copies(source, destination)});
     client.run(StepKind::Housekeeping, fill("ln -sf \"%1\" %2", destination, link),
                {Effect::links(link, destination)});
     client.run(StepKind::ClientTool,
@@ -109,7 +93,7 @@ int installDesktop(InstallJob *job, ClientAccess &client)
     // On the marked OS variant no desktop is started again and the modality is not
     // looked at.
     if (!osVariant)
-        startDesktopForModality(source, client);
+        startDesktopForModality(*job, client);
     const QString oldImages = filesDir() + QStringLiteral("/desktop-img-*");
     client.run(StepKind::Housekeeping, fill("rm -rf %1", oldImages), {Effect::removes(oldImages)});
     client.run(StepKind::ClientTool, "freeze");

@@ -11,8 +11,10 @@ int installDisclaimer(InstallJob *job, ClientAccess &client)
 {
     if (job->files.isEmpty())
         return 1;
+    if (!client.mayRead(*job, job->files.first()))
+        return 0;
     const QString source = sourcePath(*job, job->files.first());
-    const QString disclaimer = filesDir() + QStringLiteral("/disclaimer.txt");
+    const QString disclaimer = inTree(TreeName::Disclaimer);
     // The source path is a bare word: quoted only when the path needs it.
     client.run(StepKind::ConfigCopy, fill("cp %1 %2", shellWord(source), disclaimer),
                {Effect::copies(source, disclaimer)});

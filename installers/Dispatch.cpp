@@ -1,20 +1,13 @@
 #include "Dispatch.h"
 
-#include "ClientAccess.h"
 #include "InstallJob.h"
 #include "Installers.h"
-#include "LinkRecheck.h"
 #include "PackageTypes.h"
 
 namespace installers {
 
 int dispatch(InstallJob *job, ClientAccess &client)
 {
-    const auto leftOut = [&client](const QString &file, const QString &reason) {
-        client.fileSkipped(file, reason);
-    };
-    if (!keepOnlyFilesOnTheStick(*job, leftOut))
-        return 0;
     switch (job->type->routine) {
     case InstallerRoutine::PrinterDrivers:
         return installPrinterDrivers(job, client);

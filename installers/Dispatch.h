@@ -12,8 +12,7 @@ namespace installers {
 // routine's result.
 using Routine = std::function<int(InstallJob *, ClientAccess &)>;
 
-// Calls the installer routine of the job's package type on client and returns its result; 0 when
-// every chosen file has become a link off the stick.
+// Calls the installer routine of the job's package type on client and returns its result.
 int dispatch(InstallJob *job, ClientAccess &client);
 
 } // namespace installers

@@ -40,10 +40,14 @@ const ImageKind *findKind(int kind)
 int installImprivataImage(InstallJob *job, int kind, ClientAccess &client)
 {
     const ImageKind *names = findKind(kind);
-    if (job->files.size() != 1 || !names)
+    if (job->files.size() != 1 || !names || !client.mayRead(*job, job->files.first()))
         return 0;
     const QString &name = job->files.first();
     const QString destination = fill("%1/%2", filesDir(), name);
+    // Installing the same picture again replaces its own copy; a link standing there (one the
+    // tree's own names would be) is not written through.
+    if (!client.mayWriteTo(name, destination))
+        return 0;
     // The destination is a bare word: quoted only when the name needs it.
     client.run(StepKind::ConfigCopy,
                fill("cp \"%1\" %2", sourcePath(*job, name), shellWord(destination)),

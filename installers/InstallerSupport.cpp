@@ -6,6 +6,9 @@
 #include <QFile>
 
 #include <algorithm>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace installers {
 
@@ -28,10 +31,26 @@ QString shellWord(const QString &word)
     return QLatin1Char('\'') + quoted + QLatin1Char('\'');
 }
 
+bool openRegularFile(QFile &file, const QString &path, bool followLink, struct stat *status)
+{
+    const int flags = O_RDONLY | O_NONBLOCK | O_CLOEXEC | (followLink ? 0 : O_NOFOLLOW);
+    const int fd = ::open(QFile::encodeName(path).constData(), flags);
+    if (fd < 0)
+        return false;
+    struct stat own;
+    struct stat *opened = status ? status : &own;
+    if (::fstat(fd, opened) != 0 || !S_ISREG(opened->st_mode) ||
+        !file.open(fd, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle)) {
+        ::close(fd);
+        return false;
+    }
+    return true;
+}
+
 QString pictureDigest(const QString &path)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
+    QFile file;
+    if (!openRegularFile(file, path, true))
         return {};
     QCryptographicHash hash(QCryptographicHash::Md5);
     if (!hash.addData(&file))

@@ -7,12 +7,16 @@
 
 #include <utility>
 
+class QFile;
 struct InstallJob;
+struct stat;
 
 // What the installer routines and the clients share: command templates, source paths, digests.
 namespace installers {
 
 using clientpaths::filesDir;
+using clientpaths::inTree;
+using clientpaths::TreeName;
 
 // Fills the numbered placeholders %1, %2, ... of a command template in one pass, so a "%1"
 // that a value brings along stays as it is.
@@ -30,8 +34,14 @@ QString sourcePath(const InstallJob &job, const QString &file);
 // byte, and a blank, #, ~, glob or quote in a name can no longer split, comment out or expand it.
 QString shellWord(const QString &word);
 
-// MD5 of a file as 32 lower-case hexadecimal digits; empty when the file cannot be opened or
-// read.
+// Opens path for reading without blocking (a FIFO or a device can never hang the caller), and
+// without following a link at its end unless followLink: true only when it is a regular file.
+// status, when given, receives what the open file is.
+bool openRegularFile(QFile &file, const QString &path, bool followLink,
+                     struct stat *status = nullptr);
+
+// MD5 of a regular file as 32 lower-case hexadecimal digits; empty when the file cannot be
+// opened or read.
 QString pictureDigest(const QString &path);
 
 } // namespace installers

@@ -10,10 +10,10 @@ namespace installers {
 // no freeze.
 int installOpenVpn(InstallJob *job, ClientAccess &client)
 {
-    if (job->files.size() != 1)
+    if (job->files.size() != 1 || !client.mayRead(*job, job->files.first()))
         return 0;
     const QString &name = job->files.first();
-    const QString folder = filesDir() + QStringLiteral("/openvpn/client");
+    const QString folder = inTree(TreeName::OpenVpn) + QStringLiteral("/client");
     const QString system = QStringLiteral("/etc/openvpn/client");
     const QString stored = folder + QLatin1Char('/') + name;
     client.run(StepKind::Housekeeping, fill("mkdir -p %1", folder), {Effect::makesFolder(folder)});

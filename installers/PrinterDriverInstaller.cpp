@@ -14,9 +14,11 @@ int installPrinterDrivers(InstallJob *job, ClientAccess &client)
     // kept.
     for (int i = 0; i < job->files.size(); ++i) {
         const QString &name = job->files.at(i);
-        client.copyFile(sourcePath(*job, name), fill("%1/ppd/%2", filesDir(), name));
+        if (client.mayRead(*job, name))
+            client.copyFile(sourcePath(*job, name), fill("%1/%2", inTree(TreeName::Drivers), name));
     }
-    client.run(StepKind::ClientTool, fill("ppddb %1/ppd %1/printdrivers.db", filesDir()));
+    client.run(StepKind::ClientTool,
+               fill("ppddb %1 %2", inTree(TreeName::Drivers), inTree(TreeName::DriverDatabase)));
     client.run(StepKind::ClientTool, "freeze");
     return 1;
 }

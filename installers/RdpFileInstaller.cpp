@@ -9,7 +9,7 @@ namespace installers {
 // Imports the first file only, then makes the RDP desktop pick up the new connections.
 int installRdpFile(InstallJob *job, ClientAccess &client)
 {
-    if (job->files.isEmpty())
+    if (job->files.isEmpty() || !client.mayRead(*job, job->files.first()))
         return 0;
     // The path is a bare word: quoted only when it needs it, so a blank no longer splits it.
     client.run(StepKind::ClientTool, QStringLiteral("/usr/bin/rdpimport ") +

@@ -4,12 +4,17 @@
 #include "DaxRegIni.h"
 #include "DaxRegistry.h"
 #include "DaxSystem.h"
+#include "InstallJob.h"
 #include "InstallerSupport.h"
+#include "StickEntry.h"
 
 #include <QDir>
 #include <QFile>
 
+#include <cstdlib>
+#include <sys/stat.h>
 #include <type_traits>
+#include <unistd.h>
 
 namespace {
 
@@ -88,6 +93,58 @@ QString RealClient::digest(const QString &path)
     return installers::pictureDigest(path);
 }
 
+std::optional<QString> RealClient::judgeAgain(const InstallJob &job, const QString &file)
+{
+    const StickEntry entry = StickDirectory(job.dir).judgeAgain(*job.type, file);
+    if (!entry.offered())
+        return entry.reason();
+    const QString path = installers::sourcePath(job, file);
+    m_judged.remove(path);
+    char *resolved = ::realpath(QFile::encodeName(path).constData(), nullptr);
+    struct stat status;
+    if (resolved && ::stat(resolved, &status) == 0)
+        m_judged.insert(path, {QByteArray(resolved), status.st_dev, status.st_ino});
+    std::free(resolved);
+    return std::nullopt;
+}
+
+std::optional<QString> RealClient::refusesDestination(const QString &destination)
+{
+    struct stat status;
+    if (::lstat(QFile::encodeName(destination).constData(), &status) != 0 ||
+        !S_ISLNK(status.st_mode))
+        return std::nullopt;
+    return QStringLiteral("a link stands at %1, which a copy would write through").arg(destination);
+}
+
+bool RealClient::copyJudged(const QString &from, const QString &to)
+{
+    // Only the judged file, still the same regular file: a FIFO or a device standing there now
+    // could hang the installation or fill the client.
+    const auto judged = m_judged.constFind(from);
+    if (judged == m_judged.cend())
+        return false;
+    QFile source;
+    struct stat status;
+    if (!installers::openRegularFile(source, QFile::decodeName(judged->resolved), false, &status) ||
+        status.st_dev != judged->device || status.st_ino != judged->inode) {
+        qCDebug(lcStick) << from << "is no longer the file judged: not copied";
+        return false;
+    }
+    // Created new: an existing file is kept, and a link standing there is not written through.
+    QFile copy(to);
+    if (!copy.open(QIODevice::WriteOnly | QIODevice::NewOnly))
+        return false;
+    bool copied = true;
+    for (QByteArray block; copied && !(block = source.read(1 << 16)).isEmpty();)
+        copied = copy.write(block) == block.size();
+    copied = copied && source.error() == QFileDevice::NoError && copy.flush() &&
+             ::fchmod(copy.handle(), status.st_mode & 07777) == 0;
+    if (!copied)
+        copy.remove();
+    return copied;
+}
+
 StepResult RealClient::perform(const Step &step)
 {
     if (!step.command.isEmpty())
@@ -97,7 +154,7 @@ StepResult RealClient::perform(const Step &step)
     const Effect &first = step.effects.first();
     switch (first.kind) {
     case Effect::Kind::Copies:
-        QFile::copy(first.source, first.path);
+        copyJudged(first.source, first.path);
         return {};
     case Effect::Kind::MakesFolder:
         QDir().mkpath(first.path);

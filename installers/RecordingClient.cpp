@@ -33,6 +33,16 @@ void RecordingClient::fileSkipped(const QString &file, const QString &reason)
     m_outcome.skipped.append({file, reason});
 }
 
+std::optional<QString> RecordingClient::judgeAgain(const InstallJob &job, const QString &file)
+{
+    return m_client.judgeAgain(job, file);
+}
+
+std::optional<QString> RecordingClient::refusesDestination(const QString &destination)
+{
+    return m_client.refusesDestination(destination);
+}
+
 StepResult RecordingClient::perform(const Step &step)
 {
     const StepResult result = m_client.perform(step);

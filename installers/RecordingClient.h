@@ -17,6 +17,8 @@ public:
     std::optional<QString> modality() override;
     QString digest(const QString &path) override;
     void fileSkipped(const QString &file, const QString &reason) override;
+    std::optional<QString> judgeAgain(const InstallJob &job, const QString &file) override;
+    std::optional<QString> refusesDestination(const QString &destination) override;
     StepResult perform(const Step &step) override;
 
 private:

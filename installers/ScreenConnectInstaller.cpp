@@ -12,6 +12,8 @@ int installScreenConnect(InstallJob *job, ClientAccess &client)
     if (job->files.isEmpty())
         return 1;
     const QString &name = job->files.first();
+    if (!client.mayRead(*job, name))
+        return 0;
     // The toolkit's copy never overwrites: a package installed earlier is kept.
     client.copyFile(sourcePath(*job, name), fill("%1/%2", filesDir(), name));
     client.run(StepKind::Housekeeping, "rm -r /boot/screenconnect*",

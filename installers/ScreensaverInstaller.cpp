@@ -10,10 +10,12 @@ namespace installers {
 // overwrites, so a picture of the same name already there stays as it was.
 int installScreensaver(InstallJob *job, ClientAccess &client)
 {
-    const QString folder = filesDir() + QStringLiteral("/screensaver");
+    const QString folder = inTree(TreeName::Screensaver);
     client.makeFolder(folder);
-    for (const QString &name : qAsConst(job->files))
-        client.copyFile(sourcePath(*job, name), fill("%1/%2", folder, name));
+    for (const QString &name : qAsConst(job->files)) {
+        if (client.mayRead(*job, name))
+            client.copyFile(sourcePath(*job, name), fill("%1/%2", folder, name));
+    }
     client.run(StepKind::ClientTool, "freeze");
     return 1;
 }

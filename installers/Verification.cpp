@@ -2,6 +2,7 @@
 
 #include "DaxProperties.h"
 #include "InstallOutcome.h"
+#include "InstallerSupport.h"
 #include "RealClient.h"
 
 #include <QDir>
@@ -40,12 +41,14 @@ QString target(const Effect &effect)
 enum class Bytes { Same, Differ, Unreadable };
 
 // Compares two files in blocks: right after a copy both are in the page cache, so this reads
-// memory and takes no digest.
+// memory and takes no digest. Only regular files, opened without blocking: the source is on the
+// stick, where a FIFO may stand by now.
 Bytes compareFiles(const QString &first, const QString &second)
 {
-    QFile a(first);
-    QFile b(second);
-    if (!a.open(QIODevice::ReadOnly) || !b.open(QIODevice::ReadOnly))
+    QFile a;
+    QFile b;
+    if (!installers::openRegularFile(a, first, true) ||
+        !installers::openRegularFile(b, second, true))
         return Bytes::Unreadable;
     if (a.size() != b.size())
         return Bytes::Differ;

@@ -9,10 +9,11 @@ namespace installers {
 // Installs exactly one picture as the default wallpaper and shows it at once; no freeze.
 int installWallpaper(InstallJob *job, ClientAccess &client)
 {
-    const QString folder = filesDir() + QStringLiteral("/wallpapers");
-    const QString current = filesDir() + QStringLiteral("/default_wp");
+    const QString folder = inTree(TreeName::Wallpapers);
+    const QString current = inTree(TreeName::WallpaperLink);
     const QString desktop = QStringLiteral("user/system/desktop");
-    if (job->files.size() != 1)
+    // Judged before the first command: a skipped picture leaves the current wallpaper alone.
+    if (job->files.size() != 1 || !client.mayRead(*job, job->files.first()))
         return 0;
     const QString &name = job->files.first();
     const QString installed = fill("%1/%2", folder, name);

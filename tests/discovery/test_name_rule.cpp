@@ -3,7 +3,6 @@
 // touching discovery: it takes milliseconds. A new class of name or link is a new row.
 #include "InstallJob.h"
 #include "InstallerSupport.h"
-#include "LinkRecheck.h"
 #include "PackageTypes.h"
 #include "StickEntry.h"
 
@@ -30,8 +29,8 @@ const QString outsideName = QStringLiteral("outside");
 
 // What every row may point at: a file and a folder off the stick, and on it a file, a file in
 // a subfolder, a FIFO, a folder and a link that leads off the stick.
-const QStringList fixtureFiles{"outside/secret", "stick-2/secret", "stick/real.bin",
-                               "stick/sub/deep.bin"};
+const QStringList fixtureFiles{"outside/secret",     "stick-2/secret", "stick/real.bin",
+                               "stick/sub/deep.bin", "stick/x y.crt",  "stick/XY.crt"};
 const QList<QPair<QString, QString>> fixtureLinks{{"stick/hop", "{outside}/secret"},
                                                   {"stick/out.crt", "../outside/secret"},
                                                   {"stick/dangling.jpg", "nowhere"},
@@ -102,7 +101,6 @@ private slots:
         row("apostrophe", "it's.ovpn", "file", {}, V::Offered, {});
         row("glob alone", "*.rdp", "file", {}, V::Offered, {});
         row("tilde and non-ASCII", "x-y ~root \u00e9.txt", "file", {}, V::Offered, {});
-        row("tab", "tab\there.crt", "file", {}, V::Offered, {});
         row("'-' inside", "a-b.crt", "file", {}, V::Offered, {});
         row("leading ':' (a resource path to the toolkit)", ":logo.png", "file", {}, V::Offered,
             {});
@@ -126,6 +124,25 @@ private slots:
             "a name beginning with '-'");
         row("leading '-' before another refused character", "-x;.crt", "file", {}, V::RefusedName,
             "a name beginning with '-'");
+        // Names that show as another name: control and format characters.
+        const auto shown = [&row](const char *tag, const QString &name, const char *code) {
+            row(tag, name, "file", {}, V::MisleadingName,
+                QStringLiteral("a name holding %1, which shows it as another name").arg(code));
+        };
+        shown("tab", "tab\there.crt", "U+0009");
+        shown("escape sequence", "a\x1b[8mb.jpg", "U+001B");
+        shown("delete", "a\x7f.png", "U+007F");
+        shown("C1 control", "a\u0085b.txt", "U+0085");
+        shown("right-to-left override", "root\u202etrc.pem", "U+202E");
+        shown("left-to-right isolate", "a\u2066b.jpg", "U+2066");
+        shown("zero-width space", "a\u200bb.crt", "U+200B");
+        shown("zero-width joiner", "a\u200db.crt", "U+200D");
+        // Built, not converted: a conversion from UTF-8 drops a leading byte order mark.
+        shown("leading byte order mark", QChar(0xfeff) + QStringLiteral("a.crt"), "U+FEFF");
+        shown("soft hyphen", "a\u00adb.crt", "U+00AD");
+        shown("format character off the first plane", "a\U000e0041b.jpg", "U+E0041");
+        row("shell character before a format character", "a;\u202eb.jpg", "file", {},
+            V::RefusedName, "a name holding ';'");
         // What is not a file.
         row("hidden file", ".hidden.jpg", "file", {}, V::Hidden, "a hidden file");
         row("hidden file with a refused character", ".a;b.jpg", "file", {}, V::Hidden,
@@ -300,40 +317,160 @@ private slots:
         QCOMPARE(QString::fromUtf8(shell.readAllStandardOutput()), word);
     }
 
-    // Just before installing, the chosen files are judged again: a link that does not end at a
-    // file on the stick is left out, with one debug line; the rest install.
-    void linkRecheck_data()
+    // What the rule adds for one type: a certificate's blank-free copy is made on the stick,
+    // an Imprivata picture is copied to the top of the client's tree. Each row on a stick of
+    // its own, holding the name and, when given, another entry (a file, or a dangling link).
+    void asType_data()
     {
-        QTest::addColumn<QStringList>("chosen");
-        QTest::addColumn<QStringList>("kept");
-        QTest::addColumn<bool>("runs");
-        QTest::newRow("files on the stick") << QStringList{"real.bin", "linked-real.bin"}
-                                            << QStringList{"real.bin", "linked-real.bin"} << true;
-        QTest::newRow("a link off the stick among them")
-            << QStringList{"out.crt", "real.bin", "hop"} << QStringList{"real.bin"} << true;
-        QTest::newRow("only links off the stick")
-            << QStringList{"out.crt", "hop"} << QStringList{} << false;
-        QTest::newRow("a dangling link") << QStringList{"dangling.jpg"} << QStringList{} << false;
-        QTest::newRow("a file gone since the scan: its installer reports it")
-            << QStringList{"vanished.crt"} << QStringList{"vanished.crt"} << true;
-        QTest::newRow("nothing chosen") << QStringList{} << QStringList{} << true;
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("type");
+        QTest::addColumn<QString>("standing");
+        QTest::addColumn<StickEntry::Verdict>("verdict");
+        QTest::addColumn<QString>("reason");
+        const QString taken =
+            QStringLiteral("a certificate whose name without blanks is taken on the stick, by ");
+        const QString tree = QStringLiteral("named like one of the client's own files, ");
+        QTest::newRow("blank-free name free") << "a b.crt"
+                                              << "cert"
+                                              << "" << V::Offered << "";
+        QTest::newRow("blank-free name taken by the administrator's file")
+            << "a b.crt"
+            << "cert"
+            << "file:ab.crt" << V::BlankFreeName << taken + "ab.crt";
+        QTest::newRow("taken by a link, even a dangling one")
+            << "a b.pem"
+            << "cert"
+            << "link:ab.pem" << V::BlankFreeName << taken + "ab.pem";
+        QTest::newRow("taken in another letter case")
+            << "root ca.crt"
+            << "cert"
+            << "file:ROOTCA.Crt" << V::BlankFreeName << taken + "ROOTCA.Crt";
+        QTest::newRow("a leading blank hides a '-'")
+            << " --help.crt"
+            << "cert"
+            << "" << V::BlankFreeName << "a certificate whose name without blanks begins with '-'";
+        QTest::newRow("no blank, no copy") << "ab.crt"
+                                           << "cert"
+                                           << "file:AB.CRT" << V::Offered << "";
+        QTest::newRow("other types make no copy") << "a b.jpg"
+                                                  << "wallpaper"
+                                                  << "file:ab.jpg" << V::Offered << "";
+        QTest::newRow("the desktop link as an Imprivata picture")
+            << "desktop_img.jpg"
+            << "iwallpaper"
+            << "" << V::ClientTreeName << tree + "/tmp/config/files/desktop_img.jpg";
+        QTest::newRow("the Citrix picture as an Imprivata picture")
+            << "citrix-desktop.jpg"
+            << "iwallpaper"
+            << "" << V::ClientTreeName << tree + "/tmp/config/files/citrix-desktop.jpg";
+        QTest::newRow("the tree's names are case-sensitive") << "Desktop_img.jpg"
+                                                             << "iwallpaper"
+                                                             << "" << V::Offered << "";
+        QTest::newRow("a tree name as another type") << "desktop_img.jpg"
+                                                     << "wallpaper"
+                                                     << "" << V::Offered << "";
     }
 
-    void linkRecheck()
+    void asType()
     {
-        QFETCH(QStringList, chosen);
-        QFETCH(QStringList, kept);
-        QFETCH(bool, runs);
-        InstallJob job(PackageTypes::all().front(), m_stick, chosen);
-        for (const QString &file : chosen) {
-            if (!kept.contains(file))
-                QTest::ignoreMessage(
-                    QtDebugMsg,
-                    QRegularExpression('^' + QRegularExpression::escape('"' + file + '"') +
-                                       " is left out of the installation: a "));
-        }
-        QCOMPARE(installers::keepOnlyFilesOnTheStick(job), runs);
-        QCOMPARE(job.files, kept);
+        QFETCH(QString, name);
+        QFETCH(QString, type);
+        QFETCH(QString, standing);
+        QFETCH(StickEntry::Verdict, verdict);
+        QFETCH(QString, reason);
+        QTemporaryDir dir;
+        QVERIFY(QFile(dir.filePath(name)).open(QIODevice::WriteOnly));
+        const QString other = standing.section(QLatin1Char(':'), 1);
+        if (standing.startsWith(QLatin1String("file:")))
+            QVERIFY(QFile(dir.filePath(other)).open(QIODevice::WriteOnly));
+        else if (!other.isEmpty())
+            QVERIFY(QFile::link(QStringLiteral("nowhere"), dir.filePath(other)));
+        const StickDirectory stick(dir.path());
+        const StickEntry entry =
+            stick.classifyAs(*PackageTypes::find(type), name, stick.classify(name));
+        QCOMPARE(entry.verdict, verdict);
+        QCOMPARE(entry.reason(), reason);
+        // The same just before installing.
+        QCOMPARE(stick.judgeAgain(*PackageTypes::find(type), name).reason(), reason);
+    }
+
+    // Just before its commands, a chosen file is judged again as it stands now.
+    void judgeAgain_data()
+    {
+        QTest::addColumn<QString>("file");
+        QTest::addColumn<QString>("type");
+        QTest::addColumn<QString>("reason");
+        QTest::newRow("a file on the stick") << "real.bin"
+                                             << "ppd"
+                                             << "";
+        QTest::newRow("a link to a file on the stick") << "linked-real.bin"
+                                                       << "ppd"
+                                                       << "";
+        QTest::newRow("now a FIFO") << "pipe"
+                                    << "ppd"
+                                    << "not a regular file";
+        QTest::newRow("now a folder") << "sub"
+                                      << "ppd"
+                                      << "a folder";
+        QTest::newRow("now a link off the stick")
+            << "out.crt"
+            << "cert"
+            << "a link that leaves the stick, to {outside}/secret";
+        QTest::newRow("now a dangling link") << "dangling.jpg"
+                                             << "screensaver"
+                                             << "a dangling link, to {stick}/nowhere";
+        QTest::newRow("its blank-free name now taken")
+            << "x y.crt"
+            << "cert"
+            << "a certificate whose name without blanks is taken on the stick, by XY.crt";
+        QTest::newRow("gone since the scan: its commands fail as they always did") << "vanished.crt"
+                                                                                   << "cert"
+                                                                                   << "";
+    }
+
+    void judgeAgain()
+    {
+        QFETCH(QString, file);
+        QFETCH(QString, type);
+        QFETCH(QString, reason);
+        const StickEntry entry =
+            StickDirectory(m_stick).judgeAgain(*PackageTypes::find(type), file);
+        QCOMPARE(entry.reason(), expand(reason));
+    }
+
+    // The mount directories the program refuses outright, and why.
+    void mountDirectory_data()
+    {
+        QTest::addColumn<QString>("dir");
+        QTest::addColumn<QString>("code");
+        QTest::newRow("the stick") << "{stick}"
+                                   << "";
+        QTest::newRow("a link to the stick") << "{root}/usb0"
+                                             << "";
+        QTest::newRow("missing: nothing found, as before") << "{root}/missing"
+                                                           << "";
+        QTest::newRow("empty: the working folder") << ""
+                                                   << "empty";
+        QTest::newRow("root") << "/"
+                              << "root";
+        QTest::newRow("root, spelt otherwise") << "//./"
+                                               << "root";
+        QTest::newRow("root through the stick's parents") << "{stick}/../../../../../../../.."
+                                                          << "root";
+        QTest::newRow("a link to root") << "{root}/to-root"
+                                        << "root";
+        QTest::newRow("an unsafe character") << "/media/a;b"
+                                             << "unsafe-character";
+    }
+
+    void mountDirectory()
+    {
+        QFETCH(QString, dir);
+        QFETCH(QString, code);
+        QFile::link(QStringLiteral("/"), m_root.filePath("to-root"));
+        const std::optional<RefusedDirectory> refused = refusedMountDirectory(expand(dir));
+        QCOMPARE(refused ? refused->code : QString(), code);
+        QVERIFY(!refused || !refused->why.isEmpty());
     }
 };
 
