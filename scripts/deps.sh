@@ -6,7 +6,7 @@ set -euo pipefail
 packages=(
     cmake g++ make ninja-build pkg-config
     qtbase5-dev qtbase5-dev-tools libsodium-dev
-    util-linux mount psmisc iproute2 procps fontconfig
+    util-linux mount psmisc iproute2 procps fontconfig libfaketime
     xvfb xdotool x11-utils x11-apps imagemagick
     clang libclang-rt-14-dev valgrind dpkg-dev file lintian
     libarchive-dev libssl-dev openssl jq

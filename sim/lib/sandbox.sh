@@ -16,32 +16,37 @@ sim_bin=$_SIM_DIR/bin
 config_root=/var/lib/dax/config
 log_dir=/var/log/sim
 state_dir=/var/lib/sim
+client_name=sim-client
 
 mount -t tmpfs -o mode=0755 usbi-sim "$S" || fail "cannot mount a tmpfs for the scratch folder"
 base=$S/base     # the client's initial state, laid over the host's file system
 upper=$S/upper   # everything the command changes
 root=$S/root     # what the command sees
 before=$S/before # read-only view of the state before the command
-mkdir -p "$base" "$upper" "$S/work" "$root" "$before" "$S/stub/tmp" "$S/stub-work" "$S/stub-root"
+mkdir -p "$base" "$upper" "$S/work" "$root" "$before" "$S/stub/tmp" "$S/stub/root" "$S/stub-work" "$S/stub-root"
 
-# /tmp must start fresh and empty: an opaque /tmp in the baseline hides the host's. The kernel
+# /tmp and root's home /root must start fresh and empty: opaque folders in the baseline hide the
+# host's (the home holds the toolkit's settings and caches, the fonts of the user). The kernel
 # makes a directory opaque when it is created where a lower one was removed.
 mount -t overlay usbi-sim-stub -o "lowerdir=$S/stub,upperdir=$base,workdir=$S/stub-work" \
     "$S/stub-root" 2>/dev/null ||
     fail "cannot mount an overlay file system on a tmpfs (is overlayfs available to this kernel?)"
-rmdir "$S/stub-root/tmp" && mkdir "$S/stub-root/tmp" || fail "cannot create the fresh /tmp"
+for dir in tmp root; do
+    rmdir "$S/stub-root/$dir" && mkdir "$S/stub-root/$dir" || fail "cannot create the fresh /$dir"
+done
 umount "$S/stub-root"
 chmod 1777 "$base/tmp"
+chmod 0700 "$base/root"
 
 # Where a host path lives in the baseline (in $file): its folders resolved through the host's
 # symbolic links (e.g. /bin -> usr/bin), so that the baseline never shadows a link with a
-# folder. Everything below /tmp is the baseline's own.
+# folder. Everything below /tmp and /root is the baseline's own.
 declare -A resolved=()
 mkd() { [ -d "$1" ] || mkdir -p "$1"; }
 in_base() {
     local dir=${1%/*}
     case $1 in
-        /tmp|/tmp/*) file=$base$1; return ;;
+        /tmp|/tmp/*|/root|/root/*) file=$base$1; return ;;
     esac
     [ -n "${resolved[$dir]+set}" ] || resolved[$dir]=$(readlink -m "${dir:-/}")
     file=$base${resolved[$dir]%/}/${1##*/}
@@ -103,6 +108,16 @@ else
     put_dir /run/systemd/journal
 fi
 put "$state_dir/inside" $'This folder exists only inside the simulated client.\n'
+# The client's own name, time zone and runtime folder.
+put /etc/hostname "$client_name"$'\n'
+put /etc/hosts "127.0.0.1 localhost
+127.0.1.1 $client_name
+::1 localhost ip6-localhost ip6-loopback
+"
+put_link /etc/localtime /usr/share/zoneinfo/Etc/UTC
+put /etc/timezone $'Etc/UTC\n'
+put_dir /run/user/0
+chmod 0700 "$file"
 put_link /usr/bin/rdpimport "$sim_bin/rdpimport"
 put_link /usr/bin/reload_desktop "$sim_bin/reload_desktop"
 case $_SIM_GATE in
@@ -139,6 +154,20 @@ if [ "$_SIM_STALE_FONTS" = 1 ]; then
     done < <(find /usr/share/fonts /usr/local/share/fonts -type d -print0 2>/dev/null)
 fi
 
+# The host's /root is hidden: a source, build or working folder inside it is shown read-only, as
+# one on another file system is (its folder is part of the starting state).
+home_binds=()
+while IFS= read -r path; do
+    case $path in /root/*) ;; *) continue ;; esac
+    for bound in "${home_binds[@]}"; do
+        case $path/ in "$bound"/*) continue 2 ;; esac
+    done
+    home_binds+=("$path")
+    put_dir "$path"
+done < <(for path in "${_SIM_DIR%/*}" "$_SIM_BUILD" "$_SIM_CWD"; do
+    [ -e "$path" ] && readlink -f -- "$path"
+done | awk '{ print length, $0 }' | sort -n | cut -d' ' -f2-)
+
 # The client's font caches are valid, as on a client, whatever state the host's are in: the
 # toolkit's font library would otherwise rewrite stale ones under /var/cache/fontconfig during
 # the command, and every transcript would record it. fc-cache rebuilds, in the baseline, only
@@ -160,6 +189,8 @@ mount -t overlay usbi-sim-before -o "lowerdir=$base:/" "$before" ||
 # Kernel file systems: a proc of the new PID namespace, a read-only /sys, and a /dev of its own
 # with the usual devices (so that nothing written under /dev reaches the host).
 mount -t proc proc "$root/proc" || fail "cannot mount /proc for the PID namespace"
+printf '%s' "$client_name" >/proc/sys/kernel/hostname && printf '(none)' >/proc/sys/kernel/domainname ||
+    fail "cannot name the client (host-name namespace)"
 mount --rbind /sys "$root/sys" && mount -o remount,bind,ro "$root/sys" 2>/dev/null
 mount -t tmpfs -o mode=0755 usbi-sim-dev "$root/dev" || fail "cannot mount /dev"
 for dev in null zero full random urandom tty; do
@@ -216,6 +247,11 @@ if [ -n "$_SIM_DISPLAY" ]; then
     fi
 fi
 
+for path in "${home_binds[@]}"; do
+    mount --bind "$path" "$root$path" && mount -o remount,bind,ro "$root$path" ||
+        fail "cannot show $path inside"
+done
+
 # The overlay shows the root file system only. When the sources, the build or the working
 # folder live on another file system (a CI volume, say), that one is shown read-only.
 for path in "$_SIM_DIR" "$_SIM_BUILD" "$_SIM_CWD"; do
@@ -241,9 +277,23 @@ unset DAX_LEGACY_MODE
 export USBI_SIM=1 DAX_CONFIG_ROOT=$config_root DAX_SHELL_LOG=$log_dir/shell.log \
     SIM_CALL_LOG=$log_dir/calls.log SIM_BUILD_DIR=$_SIM_BUILD
 export PATH="$sim_bin:${PATH:-/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin}"
-for var in TMPDIR XDG_RUNTIME_DIR; do
-    [ -n "${!var:-}" ] && [ ! -d "$root${!var}" ] && unset "$var"
-done
+[ -n "${TMPDIR:-}" ] && [ ! -d "$root$TMPDIR" ] && unset TMPDIR
+# What the host's session would lend the program (its language, zone, home, desktop and the
+# toolkit's folders) is the client's instead.
+while IFS= read -r var; do
+    case $var in
+        LC_* | LANGUAGE | TZ | XDG_* | WAYLAND_DISPLAY | DESKTOP_SESSION | SESSION_MANAGER) unset "$var" ;;
+    esac
+done < <(compgen -e)
+export LANG=C.UTF-8 HOME=/root XDG_RUNTIME_DIR=/run/user/0
+time_env=()
+if [ -n "$_SIM_TIME" ]; then
+    # The wall clock stands still; the monotonic one, which timers and timeouts use, runs on.
+    # AddressSanitizer would refuse a library loaded before its own.
+    time_env=(LD_PRELOAD="$_SIM_FAKETIME${LD_PRELOAD:+ $LD_PRELOAD}" FAKETIME_FMT=%s
+        FAKETIME="$_SIM_TIME" FAKETIME_DONT_FAKE_MONOTONIC=1
+        ASAN_OPTIONS="${ASAN_OPTIONS:+$ASAN_OPTIONS:}verify_asan_link_order=0")
+fi
 cwd=$_SIM_CWD
 if [ ! -d "$root$cwd" ]; then
     printf 'sim/run: the working folder %s does not exist inside; running in /\n' "$cwd" >&2
@@ -251,9 +301,10 @@ if [ ! -d "$root$cwd" ]; then
 fi
 keep=$_SIM_KEEP quiet=$_SIM_QUIET report=$_SIM_REPORT
 unset _SIM_DIR _SIM_SCRATCH _SIM_BUILD _SIM_LEGACY _SIM_MARKER _SIM_STALE_FONTS _SIM_MODALITY \
-    _SIM_HAVE_MODALITY _SIM_GATE _SIM_DISPLAY _SIM_KEEP _SIM_QUIET _SIM_REPORT _SIM_CWD _SIM_NO_JOURNAL
+    _SIM_HAVE_MODALITY _SIM_GATE _SIM_DISPLAY _SIM_KEEP _SIM_QUIET _SIM_REPORT _SIM_CWD _SIM_NO_JOURNAL \
+    _SIM_TIME _SIM_FAKETIME
 
-chroot "$root" /usr/bin/env -C "$cwd" -- "$@"
+chroot "$root" /usr/bin/env -C "$cwd" -- "${time_env[@]}" "$@"
 status=$?
 
 # Whatever the command sent to the system log is written out; whatever it left running

@@ -53,6 +53,8 @@ work=/var/lib/scenario
 changes=/var/lib/sim-changes
 mkdir -p "$stick" "$work/bin" "$work/cwd" && mkdir -m 0700 "$work/runtime"
 export PATH=$work/bin:$PATH XDG_RUNTIME_DIR=$work/runtime HOME=/root
+# The program starts as on the client, with none of the caller's settings of the toolkit.
+unset "${!QT_@}"
 # Commands that a name could redirect or retarget write into the working folder, which is
 # watched like every other place.
 cd "$work/cwd" || exit 1

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # The simulated client's own guarantees: writes stay inside and are reported, killall inside
-# cannot reach the host, the client-state options, the call log, valid font caches, --display.
+# cannot reach the host, the client-state options, the call log, the client's name, zone,
+# language and home, --time, valid font caches, --display.
 # Needs root.
 set -u
 source_dir=$(cd "$(dirname "$(readlink -f "$0")")/../.." && pwd)
@@ -78,6 +79,19 @@ check "the client's starting state is not reported as a change" \
     eval '! grep -E "^A /(boot/modality|tmp/.mvyx64)" "$work/report"'
 sim --gate missing -- sh -c "$probe"
 check "--gate missing: gate on, no wpasswd" is out $'terminalpass">true\nunset\nwpasswd 127'
+
+# The client's own name, zone, language, home and runtime folder, whatever the caller's are;
+# --time stops the wall clock (timeouts still end).
+LC_ALL=C.UTF-8 TZ=Asia/Tokyo XDG_CACHE_HOME=/var/tmp sim --time '2026-01-15 12:00:00' -- sh -c \
+    'uname -n; date; sleep 0.2; date +%s; timeout 0.2 sleep 9; echo "timeout $?"; ls -A /root
+    echo "$HOME $LANG ${LC_ALL-} ${TZ-} ${XDG_CACHE_HOME-} $XDG_RUNTIME_DIR"'
+check "a host name, zone, language and empty home of the client's, and --time" is out "sim-client
+Thu Jan 15 12:00:00 UTC 2026
+1768478400
+timeout 124
+/root C.UTF-8    /run/user/0"
+sim -- date +%Y
+check "without --time the clock is the host's" is out "$(date +%Y)"
 
 # The program's font library rewrites a cache it finds stale; on the client none is.
 fonts_time=$(stat -c %y /usr/share/fonts)
