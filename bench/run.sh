@@ -6,9 +6,10 @@
 # integration, which the program turns off for itself; rows marked "GL on" are references with
 # it on. The ratio is the median of the ratios of the rounds (each program run right beside its
 # baseline), with the 95% confidence interval of that median as a +-percentage.
-# Needs root (for sim/run), Xvfb, xdpyinfo and md5sum; valgrind, when present, adds the
-# instruction counts. The scan and digest benchmarks work in temporary folders under TMPDIR
-# (256 MiB for the digest). REPETITIONS (default 7: scan, digest, memory), STARTUP_ROUNDS
+# Needs root (for sim/run), Xvfb, xdpyinfo and md5sum, and for the content check's benchmark
+# (bench/content.sh) Debian's lomiri-wallpapers-20.04 and ca-certificates; valgrind, when
+# present, adds the instruction counts. The scan, digest and content benchmarks work in
+# temporary folders under TMPDIR (256 MiB for the digest, 300 MiB for the content check). REPETITIONS (default 7: scan, digest, memory), STARTUP_ROUNDS
 # (default 61) and BUILD_DIR (default build-bench in the source tree) can be set. Start-up and
 # memory run at nice -10, so that other work on the machine disturbs them less. The table goes
 # to standard output, the rest to standard error.
@@ -29,11 +30,14 @@ trap 'rm -f "$results"' EXIT
 echo "Measuring ($repetitions repetitions, $startup_rounds start-up rounds)..." >&2
 # Start-up first: the digest's 256 MiB file is still being written back to disk for a while
 # after the digest benchmark has removed it, which slows whatever runs then.
-nice -n -10 "$source_dir/sim/run" --quiet --build "$build" -- "$source_dir/bench/in-sim.sh" \
-    "$build" "$repetitions" "$startup_rounds" "$sample_stick" >>"$results"
-"$build/bench/bench_scan" 10000 "$repetitions" | sed 's/^/scan10000 /' >>"$results"
-"$build/bench/bench_scan" 100 "$repetitions" | sed 's/^/scan100 /' >>"$results"
-"$build/bench/bench_digest" 256 "$repetitions" | sed 's/^/digest /' >>"$results"
+{
+    nice -n -10 "$source_dir/sim/run" --quiet --build "$build" -- "$source_dir/bench/in-sim.sh" \
+        "$build" "$repetitions" "$startup_rounds" "$sample_stick"
+    "$build/bench/bench_scan" 10000 "$repetitions" | sed 's/^/scan10000 /'
+    "$build/bench/bench_scan" 100 "$repetitions" | sed 's/^/scan100 /'
+    "$build/bench/bench_digest" 256 "$repetitions" | sed 's/^/digest /'
+    "$source_dir/bench/content.sh" "$build/usb-stick-check" "$repetitions"
+} >>"$results"
 
 # median KIND COLUMN: the median of one column (2 = program, 3 = baseline, ...) of one kind
 median() {
@@ -105,3 +109,6 @@ row "... reference: the program against the bare window with GL on" glmemory 4 3
 row "Scan, 14 types, 10,000-file stick" scan10000 2 3 ms "14 readdir+fnmatch passes" 1.00
 row "Scan, 14 types, 100-file stick" scan100 2 3 ms "14 readdir+fnmatch passes" ""
 row "Picture digest, 256 MiB, warm cache" digest 2 3 ms "md5sum" 1.05
+row "Stick check with contents: 200 pictures, 142 certificates" content 2 3 ms "--no-content" ""
+row "... CPU time, all cores" contentcpu 2 3 ms "--no-content" ""
+row "... peak memory" contentmemory 2 3 KiB "--no-content" ""
