@@ -16,6 +16,9 @@ namespace {
 // Reading stops there: a stick holds no firmware of more entries, and a package's control part
 // is a few kilobytes.
 const qint64 maximumEntries = 1'000'000;
+// Reading an archive decompresses all of it: stop before an entry that would take it beyond
+// this, so that a small file that unpacks to a huge one cannot hold the check for long.
+const qint64 maximumUnpacked = qint64(8) * 1024 * 1024 * 1024;
 const qint64 maximumControlSize = 16 * 1024 * 1024;
 const size_t blockSize = 64 * 1024;
 
@@ -83,7 +86,7 @@ ContentReport readFirmwareArchive(int fd, bool clientFormat)
     QStringList outside;
     archive_entry *entry = nullptr;
     int status = ARCHIVE_OK;
-    while (entries < maximumEntries &&
+    while (entries < maximumEntries && size <= maximumUnpacked &&
            (status = archive_read_next_header(reader.get(), &entry)) == ARCHIVE_OK) {
         ++entries;
         size += archive_entry_size(entry);
@@ -105,9 +108,12 @@ ContentReport readFirmwareArchive(int fd, bool clientFormat)
                      QStringLiteral("The archive is damaged after entry %1: %2.")
                          .arg(entries)
                          .arg(archiveError(reader.get())));
-    else if (entries >= maximumEntries)
-        report.warning(QStringLiteral("firmware-too-many-entries"),
-                       QStringLiteral("Reading stopped after %1 entries.").arg(maximumEntries));
+    else if (entries >= maximumEntries || size > maximumUnpacked)
+        report.warning(QStringLiteral("firmware-too-large"),
+                       QStringLiteral("Reading stopped after %1 entries and %2: the rest is not "
+                                      "checked.")
+                           .arg(entries)
+                           .arg(bytes(size)));
     if (entries == 0 && status == ARCHIVE_EOF)
         report.error(QStringLiteral("firmware-empty"), QStringLiteral("The archive is empty."));
     if (!outside.isEmpty())

@@ -3,8 +3,6 @@
 #include "RdpReader.h"
 #include "TextLines.h"
 
-#include <QRegularExpression>
-
 #include <QSet>
 #include <QStringList>
 #include <algorithm>
@@ -29,21 +27,37 @@ bool balanceExempt(const QString &tag)
     return exempt.contains(tag);
 }
 
-// The first tag that does not balance, described; empty when all do.
+// The first tag that does not balance, described; empty when all do. One pass over the text:
+// an unterminated comment or tag ends it.
 QString unbalancedTag(const QString &text)
 {
-    static const QRegularExpression tags(
-        QStringLiteral("<!--.*?-->|<(/?)([A-Za-z][A-Za-z0-9]*)[^>]*?(/?)>"),
-        QRegularExpression::DotMatchesEverythingOption);
     QList<QPair<QString, int>> open; // tag, line
-    auto it = tags.globalMatch(text);
-    while (it.hasNext()) {
-        const QRegularExpressionMatch match = it.next();
-        const QString tag = match.captured(2).toLower();
-        if (tag.isEmpty() || balanceExempt(tag) || !match.captured(3).isEmpty())
+    int line = 1, counted = 0;
+    for (int at = text.indexOf(QLatin1Char('<')); at >= 0;
+         at = text.indexOf(QLatin1Char('<'), at)) {
+        line += text.midRef(counted, at - counted).count(QLatin1Char('\n'));
+        counted = at;
+        if (text.midRef(at, 4) == QLatin1String("<!--")) {
+            at = text.indexOf(QLatin1String("-->"), at + 4);
+            if (at < 0)
+                break;
             continue;
-        const int line = text.leftRef(match.capturedStart()).count(QLatin1Char('\n')) + 1;
-        if (match.captured(1).isEmpty()) {
+        }
+        const int end = text.indexOf(QLatin1Char('>'), at);
+        if (end < 0)
+            break;
+        const bool closing = text.midRef(at + 1, 1) == QLatin1String("/");
+        int nameEnd = at + (closing ? 2 : 1);
+        while (nameEnd < end && text.at(nameEnd).isLetterOrNumber() &&
+               text.at(nameEnd).unicode() < 128)
+            ++nameEnd;
+        const QString tag =
+            text.mid(at + (closing ? 2 : 1), nameEnd - at - (closing ? 2 : 1)).toLower();
+        const bool selfClosing = text.at(end - 1) == QLatin1Char('/');
+        at = end;
+        if (tag.isEmpty() || !tag.at(0).isLetter() || balanceExempt(tag) || selfClosing)
+            continue;
+        if (!closing) {
             open.append({tag, line});
         } else if (open.isEmpty()) {
             return QStringLiteral("line %1: </%2> closes nothing").arg(line).arg(tag);
