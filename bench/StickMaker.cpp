@@ -1,6 +1,8 @@
 #include "StickMaker.h"
 
+#include <cstdint>
 #include <cstdio>
+#include <vector>
 
 bool makeStick(const std::string &dir, int count)
 {
@@ -20,4 +22,24 @@ bool makeStick(const std::string &dir, int count)
             return false;
     }
     return true;
+}
+
+bool writeNoise(const std::string &path, size_t mebibytes)
+{
+    FILE *file = std::fopen(path.c_str(), "wx");
+    if (!file)
+        return false;
+    std::vector<uint64_t> block(1 << 17); // 1 MiB of pseudo-random bytes, never the same twice
+    uint64_t state = 0x9E3779B97F4A7C15u;
+    for (size_t m = 0; m < mebibytes; ++m) {
+        for (uint64_t &word : block) {
+            state ^= state << 13;
+            state ^= state >> 7;
+            state ^= state << 17;
+            word = state;
+        }
+        if (std::fwrite(block.data(), 8, block.size(), file) != block.size())
+            return false;
+    }
+    return std::fclose(file) == 0;
 }

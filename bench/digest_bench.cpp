@@ -3,17 +3,16 @@
 // Prints "<digest ms> <md5sum ms>" per repetition, interleaved. Works on a file in a temporary
 // directory of its own (under TMPDIR) and removes it.
 #include "InstallerSupport.h"
+#include "StickMaker.h"
 
 #include <QString>
 
 #include <chrono>
-#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
 #include <sys/wait.h>
 #include <unistd.h>
-#include <vector>
 
 namespace {
 
@@ -22,26 +21,6 @@ using Clock = std::chrono::steady_clock;
 double msSince(Clock::time_point start)
 {
     return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
-}
-
-bool writeFile(const std::string &path, size_t mebibytes)
-{
-    FILE *file = std::fopen(path.c_str(), "wx");
-    if (!file)
-        return false;
-    std::vector<uint64_t> block(1 << 17); // 1 MiB of pseudo-random bytes, never the same twice
-    uint64_t state = 0x9E3779B97F4A7C15u;
-    for (size_t m = 0; m < mebibytes; ++m) {
-        for (uint64_t &word : block) {
-            state ^= state << 13;
-            state ^= state >> 7;
-            state ^= state << 17;
-            word = state;
-        }
-        if (std::fwrite(block.data(), 8, block.size(), file) != block.size())
-            return false;
-    }
-    return std::fclose(file) == 0;
 }
 
 // Runs md5sum on path; its digest, or an empty string when it failed.
@@ -87,7 +66,7 @@ int main(int argc, char *argv[])
     }
     const std::string path = dir + "/picture.jpg";
     int result = 0;
-    if (!writeFile(path, mebibytes)) {
+    if (!writeNoise(path, mebibytes)) {
         std::fprintf(stderr, "bench_digest: cannot write %s\n", path.c_str());
         result = 1;
     } else if (installers::pictureDigest(QString::fromStdString(path)).toStdString() !=

@@ -16,7 +16,7 @@ InstallOutcome install(InstallJob *job, const Routine &routine)
     RealClient client;
     RecordingClient recording(client, outcome);
     outcome.routineResult = routine(job, recording);
-    verify(outcome);
+    verify(outcome, recording.comparisons());
     return outcome;
 }
 

@@ -2,6 +2,8 @@
 
 #include "InstallOutcome.h"
 
+#include <QDir>
+
 RecordingClient::RecordingClient(ClientAccess &client, InstallOutcome &outcome)
     : m_client(client), m_outcome(outcome)
 {
@@ -24,7 +26,35 @@ std::optional<QString> RecordingClient::modality()
 
 QString RecordingClient::digest(const QString &path)
 {
-    return m_client.digest(path);
+    const Effect *copy = copyBehind(path);
+    if (!copy)
+        return m_client.digest(path);
+    installers::EarlierComparison comparison;
+    const QString digest = installers::digestComparing(path, copy->source, &comparison.same);
+    comparison.copy = installers::stampOf(copy->path);
+    comparison.source = installers::stampOf(copy->source);
+    m_comparisons.insert(QDir::cleanPath(copy->path), comparison);
+    return digest;
+}
+
+const Effect *RecordingClient::copyBehind(QString path) const
+{
+    // Bounded: links could form a loop.
+    for (int hop = 0; hop < m_outcome.steps.size(); ++hop) {
+        const Effect *last = nullptr;
+        for (const StepOutcome &step : m_outcome.steps) {
+            for (const EffectOutcome &effect : step.effects) {
+                const Effect::Kind kind = effect.effect.kind;
+                if ((kind == Effect::Kind::Copies || kind == Effect::Kind::Links) &&
+                    QDir::cleanPath(effect.effect.path) == QDir::cleanPath(path))
+                    last = &effect.effect;
+            }
+        }
+        if (!last || last->kind == Effect::Kind::Copies)
+            return last;
+        path = last->source;
+    }
+    return nullptr;
 }
 
 void RecordingClient::fileSkipped(const QString &file, const QString &reason)

@@ -2,7 +2,6 @@
 
 #include "DaxProperties.h"
 #include "InstallOutcome.h"
-#include "InstallerSupport.h"
 #include "RealClient.h"
 
 #include <QDir>
@@ -13,7 +12,6 @@
 #include <glob.h>
 #include <unistd.h>
 
-#include <cstring>
 #include <utility>
 
 namespace installers {
@@ -36,36 +34,6 @@ QString target(const Effect &effect)
         break;
     }
     return QStringLiteral("path:") + QDir::cleanPath(effect.path);
-}
-
-enum class Bytes { Same, Differ, Unreadable };
-
-// Compares two files in blocks: right after a copy both are in the page cache, so this reads
-// memory and takes no digest. Only regular files, opened without blocking: the source is on the
-// stick, where a FIFO may stand by now.
-Bytes compareFiles(const QString &first, const QString &second)
-{
-    QFile a;
-    QFile b;
-    if (!installers::openRegularFile(a, first, true) ||
-        !installers::openRegularFile(b, second, true))
-        return Bytes::Unreadable;
-    if (a.size() != b.size())
-        return Bytes::Differ;
-    constexpr qint64 block = 1 << 20;
-    QByteArray bufferA(block, Qt::Uninitialized);
-    QByteArray bufferB(block, Qt::Uninitialized);
-    for (;;) {
-        const qint64 readA = a.read(bufferA.data(), block);
-        const qint64 readB = b.read(bufferB.data(), block);
-        if (readA < 0 || readB < 0)
-            return Bytes::Unreadable;
-        if (readA != readB ||
-            std::memcmp(bufferA.constData(), bufferB.constData(), static_cast<size_t>(readA)) != 0)
-            return Bytes::Differ;
-        if (readA == 0)
-            return Bytes::Same;
-    }
 }
 
 // The first path a shell pattern (or plain path) matches, links included; empty when none.
@@ -117,22 +85,34 @@ Check failed(const QString &failure)
     return {Verification::Failed, failure};
 }
 
-Check checkCopy(const Effect &effect)
+// Whether the copy holds its source's bytes: an earlier comparison while neither file has
+// changed since, else a new one.
+SameBytes compareCopy(const Effect &effect, const EarlierComparisons &earlier)
+{
+    const auto found = earlier.constFind(QDir::cleanPath(effect.path));
+    if (found != earlier.constEnd() && found->same != SameBytes::Unreadable && found->copy &&
+        found->source && found->copy == stampOf(effect.path) &&
+        found->source == stampOf(effect.source))
+        return found->same;
+    return compareFiles(effect.source, effect.path);
+}
+
+Check checkCopy(const Effect &effect, const EarlierComparisons &earlier)
 {
     const QFileInfo copy(effect.path);
     if (!copy.exists() && !copy.isSymLink())
         return failed(copyName(effect) + QStringLiteral(" is missing"));
     if (copy.isSymLink() || !copy.isFile())
         return failed(copyName(effect) + QStringLiteral(" is not a regular file"));
-    switch (compareFiles(effect.source, effect.path)) {
-    case Bytes::Same:
+    switch (compareCopy(effect, earlier)) {
+    case SameBytes::Yes:
         return {Verification::Verified, {}};
-    case Bytes::Differ:
+    case SameBytes::No:
         // The toolkit's copy leaves a file of that name as it was, on purpose.
         if (effect.keepsExisting)
             return {Verification::KeptExisting, {}};
         return failed(copyName(effect) + QStringLiteral(" differs from ") + effect.source);
-    case Bytes::Unreadable:
+    case SameBytes::Unreadable:
         break;
     }
     return failed(copyName(effect) + QStringLiteral(" cannot be compared with ") + effect.source +
@@ -174,11 +154,11 @@ Check checkKey(const Effect &effect)
     return {Verification::Verified, {}};
 }
 
-Check check(const Effect &effect, const StepOutcome &step)
+Check check(const Effect &effect, const StepOutcome &step, const EarlierComparisons &earlier)
 {
     switch (effect.kind) {
     case Effect::Kind::Copies:
-        return checkCopy(effect);
+        return checkCopy(effect, earlier);
     case Effect::Kind::MakesFolder:
         if (QFileInfo(effect.path).isDir())
             return {Verification::Verified, {}};
@@ -216,7 +196,7 @@ QString statusFailure(const StepOutcome &step)
 
 } // namespace
 
-void verify(InstallOutcome &outcome)
+void verify(InstallOutcome &outcome, const EarlierComparisons &earlier)
 {
     QHash<QString, std::pair<int, int>> last;
     for (int i = 0; i < outcome.steps.size(); ++i) {
@@ -232,7 +212,7 @@ void verify(InstallOutcome &outcome)
                 effect.verification = Verification::Superseded;
                 continue;
             }
-            const Check found = check(effect.effect, step);
+            const Check found = check(effect.effect, step, earlier);
             effect.verification = found.verification;
             if (step.failure.isEmpty())
                 step.failure = found.failure;

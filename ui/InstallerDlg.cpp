@@ -7,7 +7,6 @@
 #include "ui_InstallerDialog.h"
 
 #include <QCloseEvent>
-#include <QKeyEvent>
 #include <QPushButton>
 
 #include <utility>
@@ -34,8 +33,6 @@ InstallerDlg::InstallerDlg(InstallJob *job, installers::Routine routine)
     // Shown only when the installation fails.
     ui->lFailure->hide();
     ui->pbClose->hide();
-    ui->pbClose->installEventFilter(this);
-    installEventFilter(this);
     connect(ui->pbClose, &QPushButton::clicked, this, &QDialog::accept);
 
     connect(&installer, &RcInstaller::completed, this, &InstallerDlg::installed);
@@ -77,14 +74,6 @@ void InstallerDlg::showFailure(const InstallOutcome &outcome)
     ui->pbClose->setFocus();
     setFixedSize(ui->pbClose->geometry().right() + 11, ui->pbClose->geometry().bottom() + 11);
     windowsetup::centre(this);
-}
-
-bool InstallerDlg::eventFilter(QObject *watched, QEvent *event)
-{
-    if ((event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease) &&
-        static_cast<QKeyEvent *>(event)->isAutoRepeat())
-        return true;
-    return QDialog::eventFilter(watched, event);
 }
 
 void InstallerDlg::reject()

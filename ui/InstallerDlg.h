@@ -32,9 +32,6 @@ public slots:
 
 protected:
     void closeEvent(QCloseEvent *event) override;
-    // Drops the repeats of a held key, so that a key held down since the main window cannot
-    // close the failure at once.
-    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     // Grows the dialog to say what failed, and waits for the administrator.
