@@ -16,7 +16,7 @@ set -euo pipefail
 # Inside the simulated client: drive the program on its own X server. Standard output carries
 # only the screenshots (a tar stream); everything said goes to standard error.
 inside() {
-    local build=$1 here shots bin window list dialog i convert
+    local build=$1 here shots bin window list dialog convert
     here=$(pwd)
     exec 3>&1 1>&2
     export LANG=C.UTF-8 LC_ALL=C.UTF-8
@@ -37,7 +37,7 @@ EOF
     source "$here/scripts/xvfb.sh"
     start_xvfb || { echo "demo: the virtual X server did not start"; exit 1; }
     export XDG_RUNTIME_DIR=/dev/shm/demo-runtime
-    mkdir -p -m 0700 "$XDG_RUNTIME_DIR"
+    install -d -m 0700 "$XDG_RUNTIME_DIR"
 
     shot() { xwd -silent -id "$1" | "$convert" xwd:- "png:$shots/$2"; echo "demo: screenshot $2"; }
     click() { xdotool mousemove --window "$1" "$2" "$3" click 1; }
@@ -62,7 +62,7 @@ EOF
     echo "demo: installing beach.jpg as the wallpaper"
     click "$window" "${install[@]}"
 
-    for i in $(seq 300); do
+    for _ in $(seq 300); do
         list=$(xdotool search --onlyvisible --name '^USB Installer$' 2>/dev/null || true)
         dialog=$(grep -vx "$window" <<<"$list" | head -n 1 || true)
         [ -n "$dialog" ] && break
@@ -73,7 +73,7 @@ EOF
     shot "$dialog" progress-dialog.png
     touch "$bin/release"
 
-    for i in $(seq 300); do mapped "$window" && break; sleep 0.1; done
+    for _ in $(seq 300); do mapped "$window" && break; sleep 0.1; done
     sleep 0.5
     shot "$window" main-window-after.png
 
@@ -104,7 +104,7 @@ EOF
 # with the per-user runtime folder a desktop session provides.
 inside_on_display() {
     export XDG_RUNTIME_DIR=/dev/shm/demo-runtime
-    mkdir -p -m 0700 "$XDG_RUNTIME_DIR"
+    install -d -m 0700 "$XDG_RUNTIME_DIR"
     exec "$1/usb-installer" "$(pwd)/sim/stick"
 }
 

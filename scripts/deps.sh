@@ -10,6 +10,7 @@ packages=(
     xvfb xdotool x11-utils x11-apps imagemagick
     clang libclang-rt-14-dev valgrind dpkg-dev file lintian
     libarchive-dev libssl-dev openssl jq
+    clang-format clang-tidy shellcheck
 )
 
 missing=()

@@ -15,7 +15,8 @@ fi
 build=$1
 source scripts/window-points.sh
 work=$(mktemp -d /tmp/valgrind.XXXXXX)
-mkdir -p "$work/stick" -m 0700 "$work/runtime"
+mkdir "$work/stick"
+mkdir -m 0700 "$work/runtime"
 printf 'Authorised use only.\n' >"$work/stick/notice.txt"
 
 source scripts/xvfb.sh

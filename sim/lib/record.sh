@@ -1,6 +1,7 @@
 # Sourced by every stand-in of the client's tools (sim/bin). Refuses to run outside the
 # simulated client, and records each call in the call log: the tool's name, then each argument
 # as " [arg]", with "\", "]" and a line break inside an argument written "\\", "\]" and "\n".
+# shellcheck shell=bash
 
 SIM_TOOL=$(basename "$0")
 SIM_STATE=/var/lib/sim

@@ -11,6 +11,7 @@ trap 'rm -rf "$work"' EXIT
 
 # Pictures without time stamps, so that a rerun gives the same bytes where the format allows.
 picture() { "$convert" "$@"; }
+# shellcheck disable=SC2054 # one argument: the chunks' list
 strip=(-strip -define png:exclude-chunks=date,time)
 picture -size 96x64 gradient:'#4a90d9'-'#f4e4bc' -quality 85 "${strip[@]}" 'beach.jpg'
 picture -size 120x80 gradient:'#2e7d32'-'#a5d6a7' -swirl 90 -quality 85 "${strip[@]}" 'Lake View.JPEG'

@@ -64,7 +64,7 @@ window_on_stick() {
     timeout 60 xdotool search --sync --onlyvisible --name '^USB Installer$' >/dev/null && shown=0
     kill -0 "$pid" 2>/dev/null || shown=1
     kill "$pid" 2>/dev/null
-    return $shown
+    return "$shown"
 }
 check "on the sample stick the installed program shows its window and keeps running" window_on_stick
 check "the installed usb-stick-check reads the sample stick's contents" \

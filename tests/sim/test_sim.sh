@@ -21,6 +21,7 @@ sim() {
 }
 is() { [ "$(cat "$work/$1")" = "$2" ] || { diff <(echo "$2") "$work/$1"; return 1; }; }
 
+# shellcheck disable=SC2034 # read by the check below, through eval
 before=$(md5sum /etc/issue /etc/issue.net)
 sim -- sh -c "echo boot >/boot/$tag && mkdir /config /etc/$tag && echo x >'/etc/$tag/a b'
     echo >>/etc/issue; rm /etc/issue.net; cat /var/lib/sim-changes/boot/$tag

@@ -1,4 +1,5 @@
 # Sourced by the shell tests: counts cases and ends with the "N passed, N failed" line.
+# shellcheck shell=bash
 passed=0 failed=0
 check() { # check DESCRIPTION COMMAND...: the case passes when COMMAND succeeds
     if "${@:2}"; then
