@@ -1,6 +1,7 @@
 # Steps of the content check's scenarios (sourced by them): the stick gets one folder of files
 # checked in beside this script, and the check's findings are shown without the installation
 # plans, which other scenarios check. Certificates are judged on a fixed day.
+# shellcheck shell=bash disable=SC2154 # source_dir and stick: set by the scenario driver
 fixtures() { cp -- "$source_dir/tests/scenarios/content/$1"/* "$stick/"; }
 content() {
     step "content$(words "$@")" bash -c 'set -o pipefail
