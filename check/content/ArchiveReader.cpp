@@ -19,8 +19,8 @@ const qint64 maximumEntries = 1'000'000;
 // Reading an archive decompresses all of it: stop before an entry that would take it beyond
 // this, so that a small file that unpacks to a huge one cannot hold the check for long.
 const qint64 maximumUnpacked = qint64(8) * 1024 * 1024 * 1024;
-const qint64 maximumControlSize = 16 * 1024 * 1024;
-const size_t blockSize = 64 * 1024;
+const qint64 maximumControlSize = qint64(16) * 1024 * 1024;
+const size_t blockSize = size_t(64) * 1024;
 
 using Archive = std::unique_ptr<archive, decltype(&archive_read_free)>;
 

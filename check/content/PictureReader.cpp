@@ -45,7 +45,7 @@ QImage decode(QImageReader &reader, QStringList &warnings)
     static std::once_flag installed;
     std::call_once(installed, [] { previousHandler = qInstallMessageHandler(collectWarnings); });
     decoderWarnings = &warnings;
-    const QImage image = reader.read();
+    QImage image = reader.read();
     decoderWarnings = nullptr;
     return image;
 }
