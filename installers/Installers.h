@@ -12,13 +12,14 @@ struct InstallJob;
 // The command lines, their order, the files copied and the keys set reproduce the client's own
 // installers byte for byte, quirks included: a certificate's blank-free copy made on the stick,
 // a folder made outside the configuration tree, installations that are never frozen, results
-// that ignore failures. The client's tools and its administrators' habits rely on them, and the
-// tests pin every one, so none is a slip to be tidied up here. The departures: where a
-// command leaves a path bare, a name that the shell would not read as itself is quoted
-// (shellWord); a path is put into a command only after its placeholders are filled; a copy to
-// the top of the tree never goes through a link standing there. An ordinary name still gives
-// the client's command unchanged. A comment in a routine marks a quirk only where what it leads
-// to is not plain from the code.
+// that ignore failures (the program verifies each installation afterwards, from the steps'
+// effects and counted statuses, not from these results: see Installation.h). The client's tools and
+// its administrators' habits rely on them, and the tests pin every one, so none is a slip to be
+// tidied up here. The departures: where a command leaves a path bare, a name that the shell would
+// not read as itself is quoted (shellWord); a path is put into a command only after its
+// placeholders are filled; a copy to the top of the tree never goes through a link standing there.
+// An ordinary name still gives the client's command unchanged. A comment in a routine marks a quirk
+// only where what it leads to is not plain from the code.
 //
 // Each routine asks ClientAccess::mayRead() for every file immediately before the commands
 // that read it (a routine of one file before its first command) and skips a file it refuses.

@@ -25,15 +25,15 @@ const char *const legacyRegistry = "/tmp/config/sessions.conf";
 // The shell's exit status. The host platform returns it as it is. The client's own library may
 // return a status of another form (system()-style) or nothing at all: there only zero against
 // non-zero is trusted, and where it returns nothing the verification of the step's effects is
-// all that counts.
-std::optional<int> runShell(const QString &line)
+// all that counts. A template, so that the branch for the other kind of library is never
+// compiled.
+template <typename System> std::optional<int> runShell(const QString &line)
 {
-    using Result = decltype(DaxSystem::execShell(line));
-    if constexpr (std::is_void_v<Result>) {
-        DaxSystem::execShell(line);
+    if constexpr (std::is_void_v<decltype(System::execShell(line))>) {
+        System::execShell(line);
         return std::nullopt;
     } else {
-        return static_cast<int>(DaxSystem::execShell(line));
+        return static_cast<int>(System::execShell(line));
     }
 }
 
@@ -148,7 +148,7 @@ bool RealClient::copyJudged(const QString &from, const QString &to)
 StepResult RealClient::perform(const Step &step)
 {
     if (!step.command.isEmpty())
-        return {runShell(step.command), true};
+        return {runShell<DaxSystem>(step.command), true};
     if (step.effects.isEmpty())
         return {};
     const Effect &first = step.effects.first();
