@@ -30,7 +30,7 @@ QString RecordingClient::digest(const QString &path)
     if (!copy)
         return m_client.digest(path);
     installers::EarlierComparison comparison;
-    const QString digest = installers::digestComparing(path, copy->source, &comparison.same);
+    QString digest = installers::digestComparing(path, copy->source, &comparison.same);
     comparison.copy = installers::stampOf(copy->path);
     comparison.source = installers::stampOf(copy->source);
     m_comparisons.insert(QDir::cleanPath(copy->path), comparison);
