@@ -21,22 +21,10 @@ bool localeLess(const QString &a, const QString &b)
     return QString::localeAwareCompare(a, b) < 0;
 }
 
-// The package types as the window lists them: sorted by display name.
-QList<const PackageType *> typesInWindowOrder()
-{
-    QList<const PackageType *> types;
-    for (const PackageType &type : PackageTypes::all())
-        types.append(&type);
-    std::sort(types.begin(), types.end(), [](const PackageType *a, const PackageType *b) {
-        return localeLess(a->name(), b->name());
-    });
-    return types;
-}
-
 QList<const PackageType *> typesMatching(const QString &name)
 {
     QList<const PackageType *> matching;
-    for (const PackageType *type : typesInWindowOrder()) {
+    for (const PackageType *type : PackageTypes::inWindowOrder()) {
         if (QDir::match(type->patternList(), name))
             matching.append(type);
     }
@@ -169,7 +157,7 @@ StickCheck checkStick(const QString &dir, const ClientState &client)
     QHash<QString, QSet<QString>> offered; // file name -> type keys
     for (const RcEntry &entry : qAsConst(found.entries))
         offered[entry.file].insert(entry.type);
-    const QList<const PackageType *> windowOrder = typesInWindowOrder();
+    const auto windowOrder = PackageTypes::inWindowOrder();
 
     const StickDirectory stick(dir);
     QFileInfoList listing = QDir(dir).entryInfoList(

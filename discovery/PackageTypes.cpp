@@ -1,5 +1,7 @@
 #include "PackageTypes.h"
 
+#include <algorithm>
+
 QStringList PackageType::patternList() const
 {
     return QString::fromLatin1(patterns).split(QLatin1Char(' '), Qt::SkipEmptyParts);
@@ -26,11 +28,15 @@ const PackageType *find(const QString &key)
     return nullptr;
 }
 
-std::array<const PackageType *, count> inListOrder()
+std::array<const PackageType *, count> inWindowOrder()
 {
     std::array<const PackageType *, count> ordered{};
-    for (const PackageType &type : all())
-        ordered[static_cast<size_t>(type.listOrder - 1)] = &type;
+    for (std::size_t i = 0; i < count; ++i)
+        ordered[i] = &all()[i];
+    std::stable_sort(ordered.begin(), ordered.end(),
+                     [](const PackageType *a, const PackageType *b) {
+                         return QString::localeAwareCompare(a->name(), b->name()) < 0;
+                     });
     return ordered;
 }
 

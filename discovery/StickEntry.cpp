@@ -226,7 +226,7 @@ StickEntry StickDirectory::classifyAs(const PackageType &type, const QString &na
     using V = StickEntry::Verdict;
     if (!entry.offered())
         return entry;
-    if (type.routine == InstallerRoutine::Certificates && name.contains(QLatin1Char(' '))) {
+    if (type.copiedAs == CopiedAs::BlankFreeOnStick && name.contains(QLatin1Char(' '))) {
         // The installer copies the file to this name on the stick and hands it to a client tool.
         QString blankFree = name;
         blankFree.remove(QLatin1Char(' '));
@@ -236,7 +236,7 @@ StickEntry StickDirectory::classifyAs(const PackageType &type, const QString &na
         if (!standing.isEmpty())
             return judged(V::BlankFreeName, entry.link, standing);
     }
-    if (type.routine == InstallerRoutine::ImprivataImage && clientpaths::isTreeName(name))
+    if (type.copiedAs == CopiedAs::InFilesFolder && clientpaths::isTreeName(name))
         return judged(V::ClientTreeName, entry.link,
                       clientpaths::filesDir() + QLatin1Char('/') + name);
     return entry;

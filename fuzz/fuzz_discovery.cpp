@@ -54,9 +54,9 @@ bool refusedAs(const PackageType &type, const QString &text, const std::set<QStr
 {
     QString blankFree = text;
     blankFree.remove(QLatin1Char(' '));
-    if (type.routine == InstallerRoutine::Certificates && blankFree != text)
+    if (type.copiedAs == CopiedAs::BlankFreeOnStick && blankFree != text)
         return blankFree.startsWith(QLatin1Char('-')) || folded.count(blankFree.toCaseFolded());
-    return type.routine == InstallerRoutine::ImprivataImage && clientpaths::isTreeName(text);
+    return type.copiedAs == CopiedAs::InFilesFolder && clientpaths::isTreeName(text);
 }
 
 // Scans dir: type by type in table order and by name with case, it must offer each matching entry

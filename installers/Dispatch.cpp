@@ -6,33 +6,62 @@
 
 namespace installers {
 
+namespace {
+
+struct TypeInstaller
+{
+    const char *key;
+    int (*install)(InstallJob *, ClientAccess &);
+};
+
+// The installer of each package type, by the type's key.
+constexpr TypeInstaller installers[] = {
+    {"ppd", installPrinterDrivers},
+    {"cert", installCertificates},
+    {"update", installUpdate},
+    {"ScreenConnect", installScreenConnect},
+    {"wallpaper", installWallpaper},
+    {"icon", installIcon},
+    {"desktop", installDesktop},
+    {"screensaver", installScreensaver},
+    {"iwallpaper", installImprivataImage},
+    {"ilogo", installImprivataImage},
+    {"iproxcard", installImprivataImage},
+    {"openvpn", installOpenVpn},
+    {"rdpfile", installRdpFile},
+    {"disclaimer", installDisclaimer},
+};
+
+constexpr bool sameKey(const char *a, const char *b)
+{
+    while (*a != '\0' && *a == *b) {
+        ++a;
+        ++b;
+    }
+    return *a == *b;
+}
+
+constexpr bool everyTypeHasAnInstaller()
+{
+    for (const PackageType &type : PackageTypes::all()) {
+        bool found = false;
+        for (const TypeInstaller &entry : installers)
+            found = found || sameKey(entry.key, type.key);
+        if (!found)
+            return false;
+    }
+    return true;
+}
+
+static_assert(everyTypeHasAnInstaller(), "a package type of the table has no line above");
+
+} // namespace
+
 int dispatch(InstallJob *job, ClientAccess &client)
 {
-    switch (job->type->routine) {
-    case InstallerRoutine::PrinterDrivers:
-        return installPrinterDrivers(job, client);
-    case InstallerRoutine::Certificates:
-        return installCertificates(job, client);
-    case InstallerRoutine::Update:
-        return installUpdate(job, client);
-    case InstallerRoutine::ScreenConnect:
-        return installScreenConnect(job, client);
-    case InstallerRoutine::Wallpaper:
-        return installWallpaper(job, client);
-    case InstallerRoutine::Icon:
-        return installIcon(job, client);
-    case InstallerRoutine::Desktop:
-        return installDesktop(job, client);
-    case InstallerRoutine::Screensaver:
-        return installScreensaver(job, client);
-    case InstallerRoutine::ImprivataImage:
-        return installImprivataImage(job, job->type->imageKind, client);
-    case InstallerRoutine::OpenVpn:
-        return installOpenVpn(job, client);
-    case InstallerRoutine::RdpFile:
-        return installRdpFile(job, client);
-    case InstallerRoutine::Disclaimer:
-        return installDisclaimer(job, client);
+    for (const TypeInstaller &entry : installers) {
+        if (qstrcmp(entry.key, job->type->key) == 0)
+            return entry.install(job, client);
     }
     return 0;
 }

@@ -3,44 +3,19 @@
 #include "ClientAccess.h"
 #include "InstallJob.h"
 #include "InstallerSupport.h"
+#include "PackageTypes.h"
 
 #include <QDebug>
 
 namespace installers {
 
-namespace {
-
-struct ImageKind
-{
-    int kind;
-    const char *pathValue;
-    const char *digestValue;
-};
-
-// Looked up in the order 1, 2, 0.
-const ImageKind imageKinds[] = {
-    {1, "ProxCardImage", "ProxCardImage_MD5"},
-    {2, "CoBranding", "CoBranding_MD5"},
-    {0, "Background", "Background_MD5"},
-};
-
-const ImageKind *findKind(int kind)
-{
-    for (const ImageKind &entry : imageKinds) {
-        if (entry.kind == kind)
-            return &entry;
-    }
-    return nullptr;
-}
-
-} // namespace
-
 // Copies one picture into the files folder and points the Imprivata client's configuration at
 // it. Never freezes, in either mode.
-int installImprivataImage(InstallJob *job, int kind, ClientAccess &client)
+int installImprivataImage(InstallJob *job, ClientAccess &client)
 {
-    const ImageKind *names = findKind(kind);
-    if (job->files.size() != 1 || !names || !client.mayRead(*job, job->files.first()))
+    const PackageType &type = *job->type;
+    if (job->files.size() != 1 || !type.imprivataPathKey || !type.imprivataDigestKey ||
+        !client.mayRead(*job, job->files.first()))
         return 0;
     const QString &name = job->files.first();
     const QString destination = fill("%1/%2", filesDir(), name);
@@ -56,14 +31,14 @@ int installImprivataImage(InstallJob *job, int kind, ClientAccess &client)
     // Legacy clients keep only the path, in the INI registry.
     if (client.isLegacyMode()) {
         client.writeRegistry(QStringLiteral("Software\\Kelto\\Imprivata"),
-                             QLatin1String(names->pathValue), destination);
+                             QLatin1String(type.imprivataPathKey), destination);
         return 1;
     }
 
-    KeyValues values{{QLatin1String(names->pathValue), destination}};
+    KeyValues values{{QLatin1String(type.imprivataPathKey), destination}};
     const QString digest = client.digest(destination);
     if (!digest.isEmpty())
-        values.append({QLatin1String(names->digestValue), digest});
+        values.append({QLatin1String(type.imprivataDigestKey), digest});
     if (!client.writeStore(QStringLiteral("user/software/imprivata"), values)) {
         qDebug() << "user/software/imprivata/config.xml does not exist";
         return 0;

@@ -39,8 +39,8 @@ int installScreensaver(InstallJob *job, ClientAccess &client);
 int installRdpFile(InstallJob *job, ClientAccess &client);
 int installDesktop(InstallJob *job, ClientAccess &client);
 int installWallpaper(InstallJob *job, ClientAccess &client);
-// kind: 0 background ("iwallpaper"), 1 prox card ("iproxcard"), 2 co-branding ("ilogo").
-int installImprivataImage(InstallJob *job, int kind, ClientAccess &client);
+// The keys it sets are the type's row's (imprivataPathKey, imprivataDigestKey).
+int installImprivataImage(InstallJob *job, ClientAccess &client);
 
 } // namespace installers
 

@@ -71,7 +71,7 @@ void MgrDlg::placeWindow()
 void MgrDlg::fillTypeList()
 {
     ui->lwType->clear();
-    for (const PackageType *type : PackageTypes::inListOrder())
+    for (const PackageType *type : PackageTypes::inWindowOrder())
         addType(*type);
     // Emits the current-item change: the window opens with a page already filled.
     ui->lwType->setCurrentRow(0);
@@ -85,7 +85,6 @@ void MgrDlg::addType(const PackageType &type)
     auto *item = new QListWidgetItem(icon, type.name());
     // The row's position in the table, so that the type is never looked up by its key again.
     item->setData(Qt::UserRole, static_cast<int>(&type - PackageTypes::all().data()));
-    // The list sorts itself by display name.
     ui->lwType->insertItem(ui->lwType->count(), item);
 }
 

@@ -37,30 +37,24 @@ ContentReport unreadable(const QString &why)
     return report;
 }
 
-using R = InstallerRoutine;
-
-QString kindOf(R routine)
+QString kindOf(Content content)
 {
-    switch (routine) {
-    case R::PrinterDrivers:
+    switch (content) {
+    case Content::PrinterDriver:
         return QStringLiteral("ppd");
-    case R::Certificates:
+    case Content::Certificate:
         return QStringLiteral("certificate");
-    case R::Update:
+    case Content::Firmware:
         return QStringLiteral("firmware");
-    case R::ScreenConnect:
+    case Content::DebianPackage:
         return QStringLiteral("deb");
-    case R::OpenVpn:
+    case Content::OpenVpnProfile:
         return QStringLiteral("openvpn");
-    case R::RdpFile:
+    case Content::RdpFile:
         return QStringLiteral("rdp");
-    case R::Disclaimer:
+    case Content::Disclaimer:
         return QStringLiteral("disclaimer");
-    case R::Wallpaper:
-    case R::Icon:
-    case R::Desktop:
-    case R::Screensaver:
-    case R::ImprivataImage:
+    case Content::Picture:
         break;
     }
     return QStringLiteral("picture");
@@ -87,28 +81,28 @@ ContentReport readContent(const QString &dir, const QString &name,
     SafeFile file(dir, name);
     if (!file.isOpen())
         return unreadable(file.error());
-    const R routine = types.first()->routine;
-    if (routine == R::Update)
+    const Content content = types.first()->content;
+    if (content == Content::Firmware)
         return readFirmwareArchive(file.fd(), nameEndsWith(name, {".tzupg"}));
-    if (routine == R::ScreenConnect)
+    if (content == Content::DebianPackage)
         return readDebianPackage(file.fd(), options.arch);
-    const bool picture = kindOf(routine) == QLatin1String("picture");
+    const bool picture = content == Content::Picture;
     const qint64 limit = picture ? pictureLimit : textLimit;
     const QByteArray data = file.read(limit);
     if (file.truncated())
-        return tooLarge(kindOf(routine), limit);
+        return tooLarge(kindOf(content), limit);
     if (picture)
         return readPicture(data, types);
-    switch (routine) {
-    case R::PrinterDrivers:
+    switch (content) {
+    case Content::PrinterDriver:
         return readPpd(data);
-    case R::Certificates:
+    case Content::Certificate:
         return readCertificates(data, nameEndsWith(name, {".p12", ".pfx"}), options.now);
-    case R::OpenVpn:
+    case Content::OpenVpnProfile:
         return readOpenVpnProfile(data);
-    case R::RdpFile:
+    case Content::RdpFile:
         return readRdpFile(data);
-    case R::Disclaimer:
+    case Content::Disclaimer:
         return readDisclaimer(data, file.size(), nameEndsWith(name, {".html"}));
     default:
         break;
