@@ -15,8 +15,9 @@
 namespace {
 
 // The most of a file each reader holds in memory.
-const qint64 textLimit = qint64(16) * 1024 * 1024;
-const qint64 pictureLimit = qint64(256) * 1024 * 1024;
+const qint64 mebibyte = qint64(1024) * 1024;
+const qint64 textLimit = 16 * mebibyte;
+const qint64 pictureLimit = 256 * mebibyte;
 
 bool nameEndsWith(const QString &name, std::initializer_list<const char *> suffixes)
 {
@@ -67,7 +68,7 @@ ContentReport tooLarge(const QString &kind, qint64 limit)
     report.summary = QStringLiteral("too large to read");
     report.warning(QStringLiteral("too-large"),
                    QStringLiteral("The file is larger than %1 MiB: its content is not checked.")
-                       .arg(limit / (qint64(1024) * 1024)));
+                       .arg(limit / mebibyte));
     return report;
 }
 
