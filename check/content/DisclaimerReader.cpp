@@ -1,6 +1,5 @@
 #include "DisclaimerReader.h"
 
-#include "RdpReader.h"
 #include "TextLines.h"
 
 #include <QSet>

@@ -4,28 +4,6 @@
 
 #include <QHash>
 #include <QStringList>
-#include <QTextCodec>
-
-QString decodeText(const QByteArray &data, QString *encoding)
-{
-    const char *name = "UTF-8";
-    if (data.startsWith("\xFF\xFE"))
-        name = "UTF-16LE";
-    else if (data.startsWith("\xFE\xFF"))
-        name = "UTF-16BE";
-    QTextCodec *codec = QTextCodec::codecForName(name);
-    QTextCodec::ConverterState state(QTextCodec::DefaultConversion);
-    QString text = codec->toUnicode(data.constData(), data.size(), &state);
-    if (state.invalidChars > 0 && qstrcmp(name, "UTF-8") == 0) {
-        name = "ISO-8859-1";
-        text = QString::fromLatin1(data);
-    }
-    if (text.startsWith(QChar(0xFEFF)))
-        text.remove(0, 1);
-    if (encoding)
-        *encoding = QString::fromLatin1(name);
-    return text;
-}
 
 namespace {
 
@@ -78,17 +56,16 @@ ContentReport readRdpFile(const QByteArray &data)
         report.warning(QStringLiteral("rdp-no-server"),
                        QStringLiteral("The file names no server (\"full address\")."));
     QStringList redirected;
+    const QString drives = settings.value(QStringLiteral("drivestoredirect:s"));
+    if (!drives.isEmpty())
+        redirected.append(QStringLiteral("drives (%1)").arg(quoted(drives)));
+    else if (settings.value(QStringLiteral("redirectdrives:i")) == QLatin1String("1"))
+        redirected.append(QStringLiteral("drives"));
     for (const Redirection &redirection : redirections) {
         if (settings.value(QString::fromLatin1(redirection.setting) + QStringLiteral(":i")) ==
             QLatin1String("1"))
             redirected.append(QString::fromLatin1(redirection.what));
     }
-    const QString drives = settings.value(QStringLiteral("drivestoredirect:s"));
-    if (!drives.isEmpty() && !redirected.contains(QStringLiteral("drives")))
-        redirected.prepend(QStringLiteral("drives"));
-    if (!drives.isEmpty())
-        redirected.replace(redirected.indexOf(QStringLiteral("drives")),
-                           QStringLiteral("drives (%1)").arg(quoted(drives)));
     if (!redirected.isEmpty())
         report.info(QStringLiteral("rdp-redirects"),
                     QStringLiteral("Redirects %1 to the server.")

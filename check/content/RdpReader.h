@@ -9,8 +9,4 @@
 // mark): the server, the user, what it redirects, and a stored password or alternate shell.
 ContentReport readRdpFile(const QByteArray &data);
 
-// The text of a file in UTF-16 with a byte-order mark, UTF-8 (with or without one) or, failing
-// that, Latin-1; encoding names which.
-QString decodeText(const QByteArray &data, QString *encoding);
-
 #endif
