@@ -9,15 +9,18 @@
 # Needs root (for sim/run), Xvfb, xdpyinfo and md5sum, and for the content check's benchmark
 # (bench/content.sh) Debian's lomiri-wallpapers-20.04 and ca-certificates; valgrind, when
 # present, adds the instruction counts. The scan, digest and content benchmarks work in
-# temporary folders under TMPDIR (256 MiB for the digest, 300 MiB for the content check). REPETITIONS (default 7: scan, digest, memory), STARTUP_ROUNDS
-# (default 61) and BUILD_DIR (default build-bench in the source tree) can be set. Start-up and
-# memory run at nice -10, so that other work on the machine disturbs them less. The table goes
-# to standard output, the rest to standard error.
+# temporary folders under TMPDIR (256 MiB for the digest, 300 MiB for the content check), the
+# wallpaper installation in the simulated client. REPETITIONS (default 7: scan, digest, memory),
+# STARTUP_ROUNDS (default 61), INSTALL_ROUNDS (default 15: the wallpaper through the window)
+# and BUILD_DIR (default build-bench in the source tree) can be set. Start-up and memory run at
+# nice -10, so that other work on the machine disturbs them less. The table goes to standard
+# output, the rest to standard error.
 set -euo pipefail
 source_dir=$(cd "$(dirname "$0")/.." && pwd)
 build=${BUILD_DIR:-$source_dir/build-bench}
 repetitions=${REPETITIONS:-7}
 startup_rounds=${STARTUP_ROUNDS:-61}
+install_rounds=${INSTALL_ROUNDS:-15}
 
 cmake -S "$source_dir" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release \
     -DUSBINSTALLER_BENCH=ON -DBUILD_TESTING=OFF >&2
@@ -36,6 +39,8 @@ echo "Measuring ($repetitions repetitions, $startup_rounds start-up rounds)..." 
     "$build/bench/bench_scan" 10000 "$repetitions" | sed 's/^/scan10000 /'
     "$build/bench/bench_scan" 100 "$repetitions" | sed 's/^/scan100 /'
     "$build/bench/bench_digest" 256 "$repetitions" | sed 's/^/digest /'
+    "$source_dir/sim/run" --quiet --build "$build" -- "$source_dir/bench/install-in-sim.sh" \
+        "$build" "$install_rounds"
     "$source_dir/bench/content.sh" "$build/usb-stick-check" "$repetitions"
 } >>"$results"
 
@@ -109,6 +114,8 @@ row "... reference: the program against the bare window with GL on" glmemory 4 3
 row "Scan, 14 types, 10,000-file stick" scan10000 2 3 ms "14 readdir+fnmatch passes" 1.00
 row "Scan, 14 types, 100-file stick" scan100 2 3 ms "14 readdir+fnmatch passes" ""
 row "Picture digest, 256 MiB, warm cache" digest 2 3 ms "md5sum" 1.05
+row "Wallpaper, 256 MiB, through the window: Install to window back" install 2 3 ms \
+    "cp + md5sum + sync" 1.42
 row "Stick check with contents: 200 pictures, 142 certificates" content 2 3 ms "--no-content" ""
 row "... CPU time, all cores" contentcpu 2 3 ms "--no-content" ""
 row "... peak memory" contentmemory 2 3 KiB "--no-content" ""
