@@ -1,14 +1,21 @@
 # Steps of the content check's scenarios (sourced by them): the stick gets one folder of files
 # checked in beside this script, and the check's findings are shown without the installation
-# plans, which other scenarios check. Certificates are judged on a fixed day.
-# shellcheck shell=bash disable=SC2154 # source_dir and stick: set by the scenario driver
+# plans, which other scenarios check. Certificates are judged on a fixed day. The report is
+# filtered after the check has ended, then its standard error follows: a filter in a pipe would
+# race the check's own error line.
+# shellcheck shell=bash disable=SC2154 # source_dir, stick and work: set by the scenario driver
 fixtures() { cp -- "$source_dir/tests/scenarios/content/$1"/* "$stick/"; }
-content() {
-    step "content$(words "$@")" bash -c 'set -o pipefail
-        usb-stick-check --date 2026-06-01 "$@" | sed "/^Installations/,/^\$/d"' - "$@" "$stick"
+# filtered FILTER ARGS...: the check on the stick, its report through FILTER, then its errors
+filtered() {
+    bash -c 'out=$1 filter=$2
+        shift 2
+        usb-stick-check "$@" >"$out" 2>"$out.err"
+        status=$?
+        eval "$filter" <"$out" && cat "$out.err"
+        exit $status' - "$work/content" "$@" "$stick"
 }
+content() { step "content$(words "$@")" filtered 'sed "/^Installations/,/^\$/d"' --date 2026-06-01 "$@"; }
 content_json() {
-    step "content --json$(words "$@")" bash -c 'set -o pipefail
-        usb-stick-check --json --date 2026-06-01 "$@" | jq -c ".entries[] | select(.content) | {name, content}"' \
-        - "$@" "$stick"
+    step "content --json$(words "$@")" \
+        filtered 'jq -c ".entries[] | select(.content) | {name, content}"' --json --date 2026-06-01 "$@"
 }
