@@ -94,6 +94,10 @@ void MgrDlg::changeType(QListWidgetItem *current, QListWidgetItem * /*previous*/
         return;
     currentType = &PackageTypes::all().at(current->data(Qt::UserRole).toUInt());
     currentFiles = rcList->filesOfType(currentType->typeKey());
+    // Screen readers say which type's files the focus is in.
+    const QString files = currentType->name() + QLatin1String(" files");
+    ui->twMulti->setAccessibleName(files);
+    ui->lwSingle->setAccessibleName(files);
     if (currentType->page == SelectionPage::Multi) {
         ui->sw->setCurrentWidget(ui->pMulti);
         fillMulti();
@@ -119,7 +123,36 @@ void MgrDlg::fillMulti()
         auto *box = new QCheckBox;
         box->setChecked(true);
         box->setFocusPolicy(Qt::NoFocus);
+        box->setAccessibleDescription(QStringLiteral("Ticked: installed with Install"));
         ui->twMulti->setCellWidget(i, 1, box);
+        connect(box, &QAbstractButton::toggled, this, [this, box] { tellTick(box); });
+    }
+    // Named once the rows have settled: a box installs the file of the row it stands in.
+    for (int row = 0; row < currentFiles.size(); ++row) {
+        auto *box = static_cast<QAbstractButton *>(ui->twMulti->cellWidget(row, 1));
+        box->setAccessibleName(ui->twMulti->item(row, 0)->text());
+        // The box itself is no cell: its cell tells a screen reader moving along the row.
+        auto *tick = new QTableWidgetItem;
+        tick->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);
+        tick->setData(
+            Qt::AccessibleDescriptionRole,
+            QStringLiteral("Space ticks or unticks the file; ticked files are installed"));
+        ui->twMulti->setItem(row, 1, tick);
+        tellTick(box);
+    }
+    // The current row without selecting it: Space has a row to tick when the focus arrives.
+    if (!currentFiles.isEmpty())
+        ui->twMulti->selectionModel()->setCurrentIndex(ui->twMulti->model()->index(0, 0),
+                                                       QItemSelectionModel::NoUpdate);
+}
+
+void MgrDlg::tellTick(const QAbstractButton *box)
+{
+    for (int row = 0; row < ui->twMulti->rowCount(); ++row) {
+        QTableWidgetItem *tick = ui->twMulti->item(row, 1);
+        if (ui->twMulti->cellWidget(row, 1) == box && tick)
+            tick->setData(Qt::AccessibleTextRole, box->isChecked() ? QStringLiteral("ticked")
+                                                                   : QStringLiteral("not ticked"));
     }
 }
 

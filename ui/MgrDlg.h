@@ -9,6 +9,7 @@
 
 #include <memory>
 
+class QAbstractButton;
 class QKeyEvent;
 class QListWidgetItem;
 class RcList;
@@ -48,6 +49,8 @@ private:
     void fillMulti();
     void fillSingle();
     void startInstall();
+    // The accessible text of the cell under box: whether its file is ticked.
+    void tellTick(const QAbstractButton *box);
 
     const std::unique_ptr<Ui::MainWindow> ui;
     RcList *rcList = nullptr;
