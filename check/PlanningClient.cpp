@@ -6,19 +6,6 @@
 
 #include <QFile>
 
-#include <algorithm>
-
-namespace {
-
-// The effect puts bytes at path: a copy to it, or a link made there.
-bool writes(const Effect &effect, const QString &path)
-{
-    return effect.path == path &&
-           (effect.kind == Effect::Kind::Copies || effect.kind == Effect::Kind::Links);
-}
-
-} // namespace
-
 PlanningClient::PlanningClient(const ClientState &state) : m_state(state) {}
 
 QStringList PlanningClient::commands() const
@@ -91,22 +78,16 @@ StepResult PlanningClient::perform(const Step &step)
 
 QString PlanningClient::copiedFrom(QString path) const
 {
+    QList<const Step *> steps;
+    for (const Step &step : m_steps)
+        steps.append(&step);
     QString source;
-    // Bounded: planned links could form a loop.
-    for (int hop = 0; hop < m_steps.size(); ++hop) {
-        const auto writer =
-            std::find_if(m_steps.rbegin(), m_steps.rend(), [&path](const Step &step) {
-                return std::any_of(step.effects.begin(), step.effects.end(),
-                                   [&path](const Effect &effect) { return writes(effect, path); });
-            });
-        if (writer == m_steps.rend())
+    // Bounded: planned copies could form a loop.
+    for (int hop = 0; hop <= steps.size(); ++hop) {
+        const Effect *copy = copyBehind(steps, path);
+        if (!copy)
             break;
-        const Effect &effect =
-            *std::find_if(writer->effects.begin(), writer->effects.end(),
-                          [&path](const Effect &candidate) { return writes(candidate, path); });
-        path = effect.source;
-        if (effect.kind == Effect::Kind::Copies)
-            source = path;
+        source = path = copy->source;
     }
     return source;
 }

@@ -11,13 +11,14 @@ int InstallOutcome::failureCount() const
 
 QString InstallOutcome::firstFailure() const
 {
-    // Files are left out before any of their commands run.
-    if (!skipped.isEmpty())
-        return QStringLiteral("%1 was left out: %2")
-            .arg(skipped.first().file, skipped.first().reason);
-    for (const StepOutcome &step : steps) {
-        if (step.failed())
-            return step.failure;
+    // In the order they happened: a file is left out just before its own commands.
+    int skip = 0;
+    for (int step = 0; step <= steps.size(); ++step) {
+        if (skip < skipped.size() && skipped.at(skip).beforeStep <= step)
+            return QStringLiteral("%1 was left out: %2")
+                .arg(skipped.at(skip).file, skipped.at(skip).reason);
+        if (step < steps.size() && steps.at(step).failed())
+            return steps.at(step).failure;
     }
     return {};
 }

@@ -48,6 +48,7 @@ struct SkippedFile
 {
     QString file; // as picked
     QString reason;
+    int beforeStep = 0; // how many steps had been performed when it was left out
 };
 
 // What one installation did and whether it took effect: made by installers::install()

@@ -26,7 +26,10 @@ std::optional<QString> RecordingClient::modality()
 
 QString RecordingClient::digest(const QString &path)
 {
-    const Effect *copy = copyBehind(path);
+    QList<const Step *> steps;
+    for (const StepOutcome &step : qAsConst(m_outcome.steps))
+        steps.append(&step.step);
+    const Effect *copy = copyBehind(steps, path);
     if (!copy)
         return m_client.digest(path);
     installers::EarlierComparison comparison;
@@ -37,30 +40,10 @@ QString RecordingClient::digest(const QString &path)
     return digest;
 }
 
-const Effect *RecordingClient::copyBehind(QString path) const
-{
-    // Bounded: links could form a loop.
-    for (int hop = 0; hop < m_outcome.steps.size(); ++hop) {
-        const Effect *last = nullptr;
-        for (const StepOutcome &step : m_outcome.steps) {
-            for (const EffectOutcome &effect : step.effects) {
-                const Effect::Kind kind = effect.effect.kind;
-                if ((kind == Effect::Kind::Copies || kind == Effect::Kind::Links) &&
-                    QDir::cleanPath(effect.effect.path) == QDir::cleanPath(path))
-                    last = &effect.effect;
-            }
-        }
-        if (!last || last->kind == Effect::Kind::Copies)
-            return last;
-        path = last->source;
-    }
-    return nullptr;
-}
-
 void RecordingClient::fileSkipped(const QString &file, const QString &reason)
 {
     m_client.fileSkipped(file, reason);
-    m_outcome.skipped.append({file, reason});
+    m_outcome.skipped.append({file, reason, int(m_outcome.steps.size())});
 }
 
 std::optional<QString> RecordingClient::judgeAgain(const InstallJob &job, const QString &file)

@@ -28,9 +28,6 @@ public:
     const installers::EarlierComparisons &comparisons() const { return m_comparisons; }
 
 private:
-    // The last recorded copy whose file path is, followed back through recorded links.
-    const Effect *copyBehind(QString path) const;
-
     ClientAccess &m_client;
     InstallOutcome &m_outcome;
     installers::EarlierComparisons m_comparisons;

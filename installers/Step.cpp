@@ -1,5 +1,7 @@
 #include "Step.h"
 
+#include <QDir>
+
 namespace {
 
 // Which exit statuses count. A status that does not count says nothing about the installation:
@@ -53,4 +55,22 @@ bool Step::statusCounts() const
 const char *Step::statusRule() const
 {
     return ruleOf(kind).why;
+}
+
+const Effect *copyBehind(const QList<const Step *> &steps, QString path)
+{
+    for (int hop = 0; hop <= steps.size(); ++hop) {
+        const Effect *last = nullptr;
+        for (const Step *step : steps) {
+            for (const Effect &effect : step->effects) {
+                if ((effect.kind == Effect::Kind::Copies || effect.kind == Effect::Kind::Links) &&
+                    QDir::cleanPath(effect.path) == QDir::cleanPath(path))
+                    last = &effect;
+            }
+        }
+        if (!last || last->kind == Effect::Kind::Copies)
+            return last;
+        path = last->source;
+    }
+    return nullptr;
 }

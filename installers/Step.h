@@ -41,4 +41,8 @@ struct Step
     const char *statusRule() const;
 };
 
+// The copy whose bytes path holds once steps have run, found back through the links they make to
+// the last copy made there; null when no copy leads to path. Bounded, as links may form a loop.
+const Effect *copyBehind(const QList<const Step *> &steps, QString path);
+
 #endif
