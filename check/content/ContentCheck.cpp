@@ -28,10 +28,10 @@ bool nameEndsWith(const QString &name, std::initializer_list<const char *> suffi
     return false;
 }
 
-ContentReport unreadable(const QString &why)
+ContentReport unreadable(const QString &kind, const QString &why)
 {
     ContentReport report;
-    report.kind = QStringLiteral("unreadable");
+    report.kind = kind;
     report.summary = QStringLiteral("cannot be read");
     report.error(QStringLiteral("unreadable"),
                  QStringLiteral("The file cannot be read: %1.").arg(why));
@@ -79,10 +79,10 @@ ContentReport readContent(const QString &dir, const QString &name,
 {
     if (types.isEmpty())
         return {};
+    const Content content = types.first()->content;
     SafeFile file(dir, name);
     if (!file.isOpen())
-        return unreadable(file.error());
-    const Content content = types.first()->content;
+        return unreadable(kindOf(content), file.error());
     if (content == Content::Firmware)
         return readFirmwareArchive(file.fd(), nameEndsWith(name, {".tzupg"}));
     if (content == Content::DebianPackage)
