@@ -87,6 +87,11 @@ ContentReport readPicture(const QByteArray &data, const QList<const PackageType 
     if (!mismatch.types.isEmpty()) {
         mismatch.text = QStringLiteral("The content is %1, not a format these types take (%2).")
                             .arg(formatName, PackageTypes::find(mismatch.types.first())->patterns);
+        if (mismatch.types.size() == types.size()) {
+            mismatch.text =
+                QStringLiteral("The content is %1, a format no type takes.").arg(formatName);
+            mismatch.types.clear();
+        }
         report.findings.append(mismatch);
     }
 
