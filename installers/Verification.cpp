@@ -2,6 +2,7 @@
 
 #include "DaxProperties.h"
 #include "InstallOutcome.h"
+#include "InstallerSupport.h"
 #include "RealClient.h"
 
 #include <QDir>
@@ -139,8 +140,8 @@ Check checkKey(const Effect &effect)
     QString expected = effect.value;
     if (!effect.source.isEmpty()) {
         // The tool set the key to the file's whole content, read as UTF-8.
-        QFile file(effect.source);
-        if (!file.open(QIODevice::ReadOnly))
+        QFile file;
+        if (!openRegularFile(file, effect.source, true))
             return failed(QStringLiteral("the key %1 in %2 cannot be compared with %3")
                               .arg(effect.key, effect.path, effect.source));
         expected = QString::fromUtf8(file.readAll());
@@ -148,6 +149,10 @@ Check checkKey(const Effect &effect)
     const std::optional<QString> value = storedValue(effect.path, effect.key);
     if (!value)
         return failed(QStringLiteral("the key %1 in %2 is not set").arg(effect.key, effect.path));
+    // A file's content may be long: the sentence names the file instead.
+    if (*value != expected && !effect.source.isEmpty())
+        return failed(QStringLiteral("the key %1 in %2 does not hold the content of %3")
+                          .arg(effect.key, effect.path, effect.source));
     if (*value != expected)
         return failed(QStringLiteral("the key %1 in %2 holds %3, not %4")
                           .arg(effect.key, effect.path, quoted(*value), quoted(expected)));
