@@ -57,8 +57,9 @@ StickDirectory::Kind kindOf(unsigned char type)
 }
 
 // What the toolkit's listing of dir with every kind of entry but hidden ones gives, name
-// filters aside, sorted by name with case. Nothing when dir does not exist.
-std::optional<std::vector<ListedEntry>> listStick(const QString &dir)
+// filters aside, sorted by name with case. Nothing when dir does not exist. Every name that is
+// text, hidden ones too, goes to allNames.
+std::optional<std::vector<ListedEntry>> listStick(const QString &dir, QStringList &allNames)
 {
     const QDir directory(dir);
     if (!directory.exists())
@@ -68,9 +69,10 @@ std::optional<std::vector<ListedEntry>> listStick(const QString &dir)
     if (!listing)
         return entries;
     while (const dirent *entry = readdir(listing)) {
-        if (entry->d_name[0] == '.')
-            continue;
-        if (std::optional<QString> name = decodedName(entry->d_name))
+        std::optional<QString> name = decodedName(entry->d_name);
+        if (name)
+            allNames.append(*name);
+        if (name && entry->d_name[0] != '.')
             entries.push_back({std::move(*name), kindOf(entry->d_type), std::nullopt});
     }
     closedir(listing);
@@ -158,10 +160,12 @@ QStringList RcList::filesOfType(const QString &type) const
 
 bool scanEveryType(RcList &list)
 {
-    std::optional<std::vector<ListedEntry>> listing = listStick(list.dir);
+    QStringList allNames;
+    std::optional<std::vector<ListedEntry>> listing = listStick(list.dir, allNames);
     if (!listing)
         return false;
-    const StickDirectory stick(list.dir);
+    StickDirectory stick(list.dir);
+    stick.knowEntries(allNames);
     for (const PackageType &type : PackageTypes::all()) {
         const QString key = type.typeKey();
         std::vector<NamePattern> patterns;

@@ -9,6 +9,7 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <dirent.h>
 #include <optional>
 #include <sys/stat.h>
 
@@ -63,6 +64,17 @@ std::optional<StickEntry> refusedName(const QString &name, bool link)
         return judged(StickEntry::Verdict::MisleadingName, link,
                       QStringLiteral("U+%1").arg(*misleading, 4, 16, QLatin1Char('0')).toUpper());
     return std::nullopt;
+}
+
+// Entries by case-folded name, "." and ".." left out.
+QHash<QString, QString> byFoldedName(const QStringList &names)
+{
+    QHash<QString, QString> folded;
+    for (const QString &name : names) {
+        if (name != QLatin1String(".") && name != QLatin1String(".."))
+            folded.insert(name.toCaseFolded(), name);
+    }
+    return folded;
 }
 
 } // namespace
@@ -134,7 +146,10 @@ QChar shellUnsafeCharacter(const QString &text)
 
 std::optional<char32_t> misleadingCharacter(const QString &name)
 {
-    for (const char32_t c : name.toUcs4()) {
+    for (int i = 0; i < name.size(); ++i) {
+        char32_t c = name.at(i).unicode();
+        if (QChar::isHighSurrogate(c) && i + 1 < name.size() && name.at(i + 1).isLowSurrogate())
+            c = QChar::surrogateToUcs4(name.at(i), name.at(i + 1));
         if (c < 0x20 || (c >= 0x7f && c <= 0x9f) || QChar::category(c) == QChar::Other_Format)
             return c;
     }
@@ -251,16 +266,27 @@ StickEntry StickDirectory::judgeAgain(const PackageType &type, const QString &na
     return classifyAs(type, name, classify(name));
 }
 
+void StickDirectory::knowEntries(const QStringList &names)
+{
+    m_listed = names;
+}
+
 QString StickDirectory::standingAs(const QString &name) const
 {
     // Sticks are mostly FAT, where "AB.crt" and "ab.crt" are one file: compared case-folded,
     // whatever the file system here.
-    if (!m_folded) {
-        m_folded.emplace();
-        const QStringList names = QDir(m_dir).entryList(
-            QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::NoSort);
-        for (const QString &entry : names)
-            m_folded->insert(entry.toCaseFolded(), entry);
+    // Names only, as readdir gives them: a listing that looks at each entry would cost much on
+    // a large stick.
+    if (!m_folded && !m_listed) {
+        QStringList names;
+        if (DIR *listing = opendir(QFile::encodeName(QDir(m_dir).path()).constData())) {
+            while (const dirent *entry = readdir(listing))
+                names.append(QFile::decodeName(entry->d_name));
+            closedir(listing);
+        }
+        m_folded = byFoldedName(names);
+    } else if (!m_folded) {
+        m_folded = byFoldedName(*m_listed);
     }
     return m_folded->value(name.toCaseFolded());
 }

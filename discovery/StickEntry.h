@@ -6,6 +6,7 @@
 #include <QHash>
 #include <QLoggingCategory>
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 
@@ -99,6 +100,9 @@ public:
     // The whole rule again for a file chosen for type, just before the commands that read it.
     // A file that is merely gone stays offered: its installer fails on it as it always did.
     StickEntry judgeAgain(const PackageType &type, const QString &name) const;
+    // The directory's entries ("." and ".." may be among them), for a caller that has just
+    // listed it: classifyAs() then needs no listing of its own.
+    void knowEntries(const QStringList &names);
 
 private:
     StickEntry followLink(const QFileInfo &entry) const;
@@ -107,7 +111,8 @@ private:
 
     QString m_dir;
     QByteArray m_resolved; // with a trailing '/', so that a prefix test means "inside"
-    // The stick's entries by case-folded name, listed when first needed.
+    std::optional<QStringList> m_listed; // the entries a caller listed (knowEntries)
+    // The stick's entries by case-folded name, made when first needed.
     mutable std::optional<QHash<QString, QString>> m_folded;
 };
 
