@@ -3,6 +3,7 @@
 #include "RcList.h"
 #include "StickEntry.h"
 #include "StrayPromptCleanup.h"
+#include "WindowSetup.h"
 
 #include <QApplication>
 #include <QDebug>
@@ -84,6 +85,7 @@ int main(int argc, char *argv[])
 {
     DaxProperties security(QStringLiteral("user/system/security"), QString(), true);
     const bool glTurnedOff = turnOffGlIntegration();
+    windowsetup::enableHighDpi();
     QApplication app(argc, argv);
     restoreStartEnvironment(glTurnedOff);
 

@@ -1,5 +1,6 @@
 #include "WindowSetup.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QGuiApplication>
 #include <QIcon>
@@ -30,6 +31,14 @@ QPoint centreOf(const QRect &rect)
 
 } // namespace
 
+void enableHighDpi()
+{
+    QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    QGuiApplication::setHighDpiScaleFactorRoundingPolicy(
+        Qt::HighDpiScaleFactorRoundingPolicy::Round);
+}
+
 void loadIcons()
 {
     initIconResources();
@@ -58,11 +67,23 @@ QPixmap pngPixmap(const QString &path)
 {
     // Opened here: the reader, told the format, would otherwise warn about a missing file.
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return QPixmap();
+    const bool doubled =
+        qApp && qApp->devicePixelRatio() >= 2 && path.endsWith(QLatin1String(".png"));
+    if (doubled)
+        file.setFileName(path.chopped(4) + QLatin1String("@2x.png"));
+    if (!file.open(QIODevice::ReadOnly)) {
+        if (!doubled)
+            return QPixmap();
+        file.setFileName(path);
+        if (!file.open(QIODevice::ReadOnly))
+            return QPixmap();
+    }
     QImageReader reader(&file, "png");
     reader.setAutoDetectImageFormat(false);
-    return QPixmap::fromImage(reader.read());
+    QPixmap pixmap = QPixmap::fromImage(reader.read());
+    if (file.fileName() != path)
+        pixmap.setDevicePixelRatio(2);
+    return pixmap;
 }
 
 void setIconAndTitle(QWidget *window)

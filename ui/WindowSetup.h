@@ -9,6 +9,11 @@ class QWidget;
 // What the main window and the progress dialog share when they are built.
 namespace windowsetup {
 
+// Turns on the toolkit's scaling for high-resolution screens: geometry, fonts and images follow
+// the screen's scale factor (Xft.dpi 192 gives 2, as does QT_SCALE_FACTOR=2), rounded to a whole
+// factor. Called before the application object is made; at a factor of 1 nothing changes.
+void enableHighDpi();
+
 // Registers the compiled-in icons; both windows call it before building their forms.
 void loadIcons();
 
@@ -20,7 +25,9 @@ QString styleSheet();
 void centre(QWidget *window);
 
 // The PNG image at path (the compiled-in bundle, or one the platform supplies), read with the
-// toolkit's built-in PNG reader; a null pixmap when there is no such image. Naming the format
+// toolkit's built-in PNG reader; a null pixmap when there is no such image. On a screen scaled
+// by two or more, the image drawn at twice the size ("name@2x.png") when there is one, so that
+// it stays sharp. Naming the format
 // keeps the toolkit from loading every image-format plugin to ask each whether it reads the
 // file, which a plain QPixmap or QIcon of a path does.
 QPixmap pngPixmap(const QString &path);

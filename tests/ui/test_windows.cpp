@@ -5,6 +5,7 @@
 #include "MgrDlg.h"
 #include "PackageTypes.h"
 #include "RcList.h"
+#include "WindowSetup.h"
 
 #include <QAbstractButton>
 #include <QDir>
@@ -218,6 +219,10 @@ QImage edge(QWidget *window, QWidget *widget)
 class TestWindows : public QObject
 {
     Q_OBJECT
+
+public:
+    // As the program starts: scaled on screens with a scale factor (QT_SCALE_FACTOR=2).
+    static void initMain() { windowsetup::enableHighDpi(); }
 
 private slots:
     // Installers run for real: never outside the simulated client (sim/run).
@@ -530,6 +535,36 @@ private slots:
                 QVERIFY(window.focusWidget() != left);
                 QVERIFY2(edge(&window, left) != shown, qPrintable(left->objectName()));
             }
+        }
+    }
+
+    // At the screen's scale factor (2 under QT_SCALE_FACTOR=2, else 1): the same window in
+    // logical pixels, that many device pixels to each, and the images drawn from their own
+    // pixels at that size rather than enlarged.
+    void scaling()
+    {
+        const int ratio = qRound(qApp->devicePixelRatio());
+        const QString scaled = ratio == 2 ? QStringLiteral("@2x.png") : QStringLiteral(".png");
+        const auto image = [&scaled](QString path) {
+            return QImage(path.replace(QLatin1String(".png"), scaled), "png")
+                .convertToFormat(QImage::Format_ARGB32_Premultiplied);
+        };
+        const auto list = scanStick({"c.crt", "w.jpg"});
+        MgrDlg window(list.get(), gated);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        QCOMPARE(window.size(), QSize(653, 351));
+        QCOMPARE(window.grab().size(), QSize(653, 351) * ratio);
+
+        const QPixmap title = child<QLabel>(&window, "lIcon")->pixmap(Qt::ReturnByValue);
+        QCOMPARE(title.devicePixelRatio(), qreal(ratio));
+        QCOMPARE(title.toImage().convertToFormat(QImage::Format_ARGB32_Premultiplied),
+                 image(QStringLiteral(":/dax-icons/usbrc/memorystick.png")));
+        auto *types = child<QListWidget>(&window, "lwType");
+        for (int row = 0; row < types->count(); ++row) {
+            const QPixmap icon = types->item(row)->icon().pixmap(window.windowHandle(), {32, 32});
+            QCOMPARE(icon.toImage().convertToFormat(QImage::Format_ARGB32_Premultiplied),
+                     image(typeOf(types->item(row)).iconPath()));
         }
     }
 

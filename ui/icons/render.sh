@@ -10,10 +10,13 @@ command -v rsvg-convert >/dev/null 2>&1 || {
     exit 1
 }
 
-# render SOURCE-NAME SIZE OUTPUT
+# render SOURCE-NAME SIZE OUTPUT: OUTPUT at SIZE, and OUTPUT with "@2x" before its extension at
+# twice SIZE, which the program draws on screens scaled by two so that the icons stay sharp.
 render() {
     mkdir -p "$(dirname "$3")"
     rsvg-convert --width "$2" --height "$2" --format png --output "$3" "src/$1.svg"
+    rsvg-convert --width "$(($2 * 2))" --height "$(($2 * 2))" --format png \
+        --output "${3%.png}@2x.png" "src/$1.svg"
     echo "$3"
 }
 
