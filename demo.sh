@@ -8,7 +8,8 @@
 #                        installs a wallpaper with the mouse and keyboard as an administrator
 #                        would, then once more with a setwp that fails, saves screenshots in
 #                        demo-output/ (the main window back after a verified installation,
-#                        the dialog that stays after a failed one) and prints what changed.
+#                        the dialog that stays after a failed one, the window on a screen
+#                        scaled by two) and prints what changed.
 #
 # Environment: BUILD_DIR (default build), DEMO_OUTPUT (default demo-output).
 set -euo pipefail
@@ -96,6 +97,19 @@ EOF
     for _ in $(seq 300); do mapped "$window" && break; sleep 0.1; done
     sleep 0.5
     click "$window" "${close_button[@]}"
+    wait "$program" && echo "demo: usb-installer ended with status 0"
+
+    # The window on a high-resolution screen whose session sets Xft.dpi 192 (a scale factor of
+    # 2), on an X server large enough for the doubled window; closed with Escape.
+    XVFB_SIZE=1600x1000 start_xvfb || { echo "demo: the second virtual X server did not start"; exit 1; }
+    echo "Xft.dpi: 192" | xrdb -merge
+    echo "demo: starting usb-installer sim/stick on $DISPLAY, scaled by two"
+    PATH=$bin:$PATH "$build/usb-installer" "$here/sim/stick" &
+    program=$!
+    window=$(timeout 60 xdotool search --sync --onlyvisible --name '^USB Installer$')
+    sleep 0.5
+    shot "$window" main-window-scale2.png
+    xdotool windowfocus --sync "$window" key Escape
     wait "$program" && echo "demo: usb-installer ended with status 0"
     tar -C "$shots" -cf - . >&3
 }
