@@ -1,5 +1,6 @@
 #include "JsonReport.h"
 
+#include "InstallationJson.h"
 #include "PackageTypes.h"
 #include "StickCheck.h"
 
@@ -57,46 +58,6 @@ QJsonObject entryObject(const CheckedEntry &entry)
     return object;
 }
 
-QJsonObject installationObject(const PlannedInstallation &installation)
-{
-    using Kind = Effect::Kind;
-    QJsonArray copies, folders, removals, links, keys, registry;
-    for (const Effect &effect : installation.effects(Kind::Copies))
-        copies.append(QJsonObject{{QStringLiteral("from"), effect.source},
-                                  {QStringLiteral("to"), effect.path},
-                                  {QStringLiteral("keeps_existing"), effect.keepsExisting}});
-    for (const Effect &effect : installation.effects(Kind::MakesFolder))
-        folders.append(effect.path);
-    for (const Effect &effect : installation.effects(Kind::Removes))
-        removals.append(effect.path);
-    for (const Effect &effect : installation.effects(Kind::Links))
-        links.append(QJsonObject{{QStringLiteral("link"), effect.path},
-                                 {QStringLiteral("target"), effect.source}});
-    for (const Effect &effect : installation.effects(Kind::SetsKey)) {
-        QJsonObject key{{QStringLiteral("store"), effect.path},
-                        {QStringLiteral("key"), effect.key},
-                        {QStringLiteral("value"), effect.value}};
-        if (!effect.source.isEmpty())
-            key.insert(QStringLiteral("value_from_file"), effect.source);
-        keys.append(key);
-    }
-    for (const Effect &effect : installation.effects(Kind::SetsRegistry))
-        registry.append(QJsonObject{{QStringLiteral("key"), effect.path},
-                                    {QStringLiteral("name"), effect.key},
-                                    {QStringLiteral("value"), effect.value}});
-    return {{QStringLiteral("type"), installation.type->typeKey()},
-            {QStringLiteral("type_name"), installation.type->name()},
-            {QStringLiteral("file"), installation.file},
-            {QStringLiteral("commands"), QJsonArray::fromStringList(installation.commands)},
-            {QStringLiteral("copies"), copies},
-            {QStringLiteral("folders"), folders},
-            {QStringLiteral("removes"), removals},
-            {QStringLiteral("links"), links},
-            {QStringLiteral("keys"), keys},
-            {QStringLiteral("registry"), registry},
-            {QStringLiteral("tools"), QJsonArray::fromStringList(installation.tools)}};
-}
-
 } // namespace
 
 QJsonDocument jsonReport(const StickCheck &check)
@@ -106,7 +67,8 @@ QJsonDocument jsonReport(const StickCheck &check)
         entries.append(entryObject(entry));
     QJsonArray installations;
     for (const PlannedInstallation &installation : check.installations)
-        installations.append(installationObject(installation));
+        installations.append(record::plannedInstallationJson(*installation.type, installation.file,
+                                                             installation.steps));
     const QJsonObject client{{QStringLiteral("legacy_registry"), check.client.legacyMode},
                              {QStringLiteral("os_variant_marker"), check.client.osVariantMarker},
                              {QStringLiteral("modality"),
@@ -116,7 +78,8 @@ QJsonDocument jsonReport(const StickCheck &check)
                        {QStringLiteral("client"), client},
                        {QStringLiteral("entries"), entries},
                        {QStringLiteral("offered"), check.offeredCount()},
-                       {QStringLiteral("installations"), installations}};
+                       {QStringLiteral("installations"), installations},
+                       {QStringLiteral("collects_reports"), check.collectsReports}};
     if (const std::optional<RefusedDirectory> &refused = check.refusedDirectory) {
         QJsonObject why{{QStringLiteral("reason"), refused->code},
                         {QStringLiteral("why"), refused->why}};

@@ -1,6 +1,7 @@
 #include "PlanningClient.h"
 
 #include "InstallJob.h"
+#include "InstallationJson.h"
 #include "InstallerSupport.h"
 #include "StickEntry.h"
 
@@ -20,13 +21,7 @@ QStringList PlanningClient::commands() const
 
 QStringList PlanningClient::tools() const
 {
-    QStringList programs;
-    for (const QString &line : commands()) {
-        const QString program = line.section(QLatin1Char(' '), 0, 0);
-        if (!program.isEmpty() && !programs.contains(program))
-            programs.append(program);
-    }
-    return programs;
+    return record::commandTools(commands());
 }
 
 bool PlanningClient::isLegacyMode()

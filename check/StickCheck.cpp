@@ -1,5 +1,7 @@
 #include "StickCheck.h"
 
+#include "ReportsFolder.h"
+
 #include "Dispatch.h"
 #include "InstallJob.h"
 #include "PackageTypes.h"
@@ -149,7 +151,7 @@ int StickCheck::contentErrorCount() const
 
 StickCheck checkStick(const QString &dir, const ClientState &client)
 {
-    StickCheck check{dir, client, refusedMountDirectory(dir), {}, {}};
+    StickCheck check{dir, client, refusedMountDirectory(dir), {}, {}, record::collectsReports(dir)};
     if (check.refusedDirectory)
         return check;
     RcList found(dir);

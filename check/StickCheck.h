@@ -78,6 +78,8 @@ struct StickCheck
     std::optional<RefusedDirectory> refusedDirectory;
     QList<CheckedEntry> entries; // sorted as the window sorts names
     QList<PlannedInstallation> installations;
+    // The stick asks each installation for a report (a real folder at its top).
+    bool collectsReports = false;
 
     int offeredCount() const;
     // Offered files whose content has an error.

@@ -1,5 +1,7 @@
 #include "TextReport.h"
 
+#include "ReportsFolder.h"
+
 #include "PackageTypes.h"
 #include "StickCheck.h"
 
@@ -130,8 +132,13 @@ QString clientDescription(const StickCheck &check)
 
 QString textReport(const StickCheck &check)
 {
-    QString text = QStringLiteral("Stick:  %1\nClient: %2\n\nEntries:\n")
-                       .arg(printable(check.dir), clientDescription(check));
+    QString text =
+        QStringLiteral("Stick:  %1\nClient: %2\nReports: %3\n\nEntries:\n")
+            .arg(printable(check.dir), clientDescription(check),
+                 check.collectsReports ? QStringLiteral("one file per installation in %1/")
+                                             .arg(QLatin1String(record::reportsFolderName))
+                                       : QStringLiteral("none (no real folder %1/ at the top)")
+                                             .arg(QLatin1String(record::reportsFolderName)));
     if (check.refusedDirectory)
         text += QStringLiteral("  (none looked at: the program refuses this mount directory: %1)\n")
                     .arg(printable(check.refusedDirectory->why));

@@ -1,6 +1,7 @@
 #include "Installation.h"
 
 #include "InstallJob.h"
+#include "InstallationRecord.h"
 #include "RealClient.h"
 #include "RecordingClient.h"
 #include "Verification.h"
@@ -9,6 +10,7 @@ namespace installers {
 
 InstallOutcome install(InstallJob *job, const Routine &routine)
 {
+    InstallationRecord record(*job);
     InstallOutcome outcome;
     outcome.type = job->type;
     outcome.dir = job->dir;
@@ -17,6 +19,7 @@ InstallOutcome install(InstallJob *job, const Routine &routine)
     RecordingClient recording(client, outcome);
     outcome.routineResult = routine(job, recording);
     verify(outcome, recording.comparisons());
+    record.finish(outcome);
     return outcome;
 }
 

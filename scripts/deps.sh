@@ -5,12 +5,12 @@ set -euo pipefail
 
 packages=(
     cmake g++ make ninja-build pkg-config
-    qtbase5-dev qtbase5-dev-tools libsodium-dev
+    qtbase5-dev qtbase5-dev-tools libsodium-dev libsystemd-dev
     util-linux mount psmisc iproute2 procps fontconfig libfaketime
     xvfb xdotool x11-utils x11-apps x11-xserver-utils imagemagick
     dbus at-spi2-core python3-pyatspi gir1.2-atspi-2.0
     clang libclang-rt-14-dev valgrind dpkg-dev file lintian
-    libarchive-dev libssl-dev openssl jq
+    libarchive-dev libssl-dev openssl jq python3-jsonschema
     clang-format clang-tidy shellcheck
 )
 

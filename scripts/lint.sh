@@ -18,7 +18,7 @@ clang-format --dry-run -Werror "${cxx[@]}" || status=1
 # The program's sources; the headers they include are checked through HeaderFilterRegex.
 step "clang-tidy"
 [ -f "$build/compile_commands.json" ] || { echo "lint: $build/compile_commands.json is missing"; exit 1; }
-mapfile -t program < <(git ls-files '*.cpp' | grep -E '^(app|check|discovery|installers|platform|security|ui)/')
+mapfile -t program < <(git ls-files '*.cpp' | grep -E '^(app|check|discovery|installers|platform|record|security|ui)/')
 printf '%s\0' "${program[@]}" |
     xargs -0 -n 4 -P 2 clang-tidy -p "$build" --quiet --warnings-as-errors='*' \
         2> >(grep -Ev '^[0-9]+ warnings? (and [0-9]+ errors? )?generated\.$' >&2) ||

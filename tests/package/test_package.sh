@@ -46,8 +46,8 @@ depends() {
     for p in "${@:2}"; do grep -Eq "(^|[ ,|])$p( |,|$)" <<<"$d" && return 1; done
     ! grep -Eq -- '-dev( |,|$)' <<<"$d"
 }
-check "the installer depends on Qt 5 and libsodium, not on what the check reads with" \
-    depends "${debs[0]}" libqt5widgets5 libqt5gui5 libqt5core5a libsodium23 -- libarchive13 libssl3 libqt5network5
+check "the installer depends on Qt 5, libsodium, libsystemd and libcrypto, not on what the check reads with" \
+    depends "${debs[0]}" libqt5widgets5 libqt5gui5 libqt5core5a libsodium23 libsystemd0 libssl3 -- libarchive13 libqt5network5
 check "the check depends on Qt 5, its network part, libarchive and libcrypto" \
     depends "${debs[1]}" libqt5core5a libqt5gui5 libqt5network5 libarchive13 libssl3 -- libsodium23
 check "dpkg -i installs both" eval 'dpkg -i "${debs[@]}" >"$work/log" 2>&1 || { cat "$work/log"; false; }'

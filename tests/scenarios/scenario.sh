@@ -103,7 +103,11 @@ show() {
     l*) printf '%s -> %s\n' "$p" "$(readlink "$p")" ;;
     d*) [[ -n $(ls -A "$p") ]] || printf '%s/ (folder)\n' "$p" ;;
     *)
-        if [[ ! -s $p ]]; then
+        if [[ $p == "$stick/usb-installer-reports/"* ]]; then
+            # A report on the stick, whole.
+            printf '%s:\n' "$p"
+            sed 's/^/  | /' "$p"
+        elif [[ ! -s $p ]]; then
             printf '%s: empty\n' "$p"
         elif (($(stat -c %s "$p") <= 600)) && ! LC_ALL=C grep -a -q '[^[:print:][:space:]]' "$p"; then
             printf '%s:\n' "$p"
@@ -115,6 +119,7 @@ show() {
         ;;
     esac
 }
+
 
 section() {
     [[ -s $2 ]] || return 0
@@ -167,7 +172,8 @@ step() {
 }
 
 # The system log the step wrote, once the listeners have written out everything sent: journal
-# entries field by field (each ended by "--"), syslog lines with their time and process id made constant.
+# entries field by field (each ended by "--"), syslog lines with their time and process id made
+# constant (the C library's syslog takes its time where a pinned clock does not reach).
 journal_log=/var/log/sim/journal.log
 syslog_log=/var/log/sim/syslog.log
 record() {
