@@ -286,6 +286,7 @@ while IFS= read -r var; do
     esac
 done < <(compgen -e)
 export LANG=C.UTF-8 HOME=/root XDG_RUNTIME_DIR=/run/user/0
+umask 022
 time_env=()
 if [ -n "$_SIM_TIME" ]; then
     # The wall clock stands still; the monotonic one, which timers and timeouts use, runs on.

@@ -83,13 +83,14 @@ check "--gate missing: gate on, no wpasswd" is out $'terminalpass">true\nunset\n
 
 # The client's own name, zone, language, home and runtime folder, whatever the caller's are;
 # --time stops the wall clock (timeouts still end).
-LC_ALL=C.UTF-8 TZ=Asia/Tokyo XDG_CACHE_HOME=/var/tmp sim --time '2026-01-15 12:00:00' -- sh -c \
-    'uname -n; date; sleep 0.2; date +%s; timeout 0.2 sleep 9; echo "timeout $?"; ls -A /root
-    echo "$HOME $LANG ${LC_ALL-} ${TZ-} ${XDG_CACHE_HOME-} $XDG_RUNTIME_DIR"'
-check "a host name, zone, language and empty home of the client's, and --time" is out "sim-client
+(umask 077; LC_ALL=C.UTF-8 TZ=Asia/Tokyo XDG_CACHE_HOME=/var/tmp sim --time '2026-01-15 12:00:00' -- sh -c \
+    'uname -n; date; sleep 0.2; date +%s; timeout 0.2 sleep 9; echo "timeout $?"; ls -A /root; umask
+    echo "$HOME $LANG ${LC_ALL-} ${TZ-} ${XDG_CACHE_HOME-} $XDG_RUNTIME_DIR"')
+check "a host name, zone, language, umask and empty home of the client's, and --time" is out "sim-client
 Thu Jan 15 12:00:00 UTC 2026
 1768478400
 timeout 124
+0022
 /root C.UTF-8    /run/user/0"
 sim -- date +%Y
 check "without --time the clock is the host's" is out "$(date +%Y)"
