@@ -130,7 +130,7 @@ void MgrDlg::fillMulti()
     // Named once the rows have settled: a box installs the file of the row it stands in.
     for (int row = 0; row < currentFiles.size(); ++row) {
         auto *box = static_cast<QAbstractButton *>(ui->twMulti->cellWidget(row, 1));
-        box->setAccessibleName(ui->twMulti->item(row, 0)->text());
+        box->setAccessibleName(fileOf(ui->twMulti->item(row, 0)));
         // The box itself is no cell: its cell tells a screen reader moving along the row.
         auto *tick = new QTableWidgetItem;
         tick->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);
