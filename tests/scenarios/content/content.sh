@@ -15,7 +15,11 @@ filtered() {
         exit $status' - "$work/content" "$@" "$stick"
 }
 content() { step "content$(words "$@")" filtered 'sed "/^Installations/,/^\$/d"' --date 2026-06-01 "$@"; }
+# The JSON's entries that were read, one a line, then whether the whole document fits the schema.
 content_json() {
+    local validate
+    validate=$(printf '%q ' "$source_dir/tests/support/validate-json.py" "$source_dir/doc/installation.schema.json")
     step "content --json$(words "$@")" \
-        filtered 'jq -c ".entries[] | select(.content) | {name, content}"' --json --date 2026-06-01 "$@"
+        filtered "jq -c '.entries[] | select(.content) | {name, content}' <\"\$out\" && $validate\"\$out\"" \
+        --json --date 2026-06-01 "$@"
 }
