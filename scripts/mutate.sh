@@ -19,7 +19,7 @@ build=${BUILD_DIR:-build-mutate}
 mutants_file=${MUTANTS:-scripts/mutants.txt}
 limit=${MUTANT_TIMEOUT:-900}
 jobs=${JOBS:-2}
-source_dirs=(app check discovery installers platform/host security ui)
+source_dirs=(app check discovery installers platform/host record security ui)
 
 check_only=0
 until_epoch=
