@@ -32,7 +32,11 @@ QString describe(const Effect &effect)
     case Effect::Kind::Links:
         return QStringLiteral("link %1 -> %2").arg(effect.path, effect.source);
     case Effect::Kind::SetsKey:
-        return QStringLiteral("key %1 %2 = %3").arg(effect.path, effect.key, effect.value);
+        // A value read from a file (a whole disclaimer) is named by the file.
+        return effect.source.isEmpty()
+                   ? QStringLiteral("key %1 %2 = %3").arg(effect.path, effect.key, effect.value)
+                   : QStringLiteral("key %1 %2 = the content of %3")
+                         .arg(effect.path, effect.key, effect.source);
     case Effect::Kind::SetsRegistry:
         return QStringLiteral("registry %1 %2 = %3").arg(effect.path, effect.key, effect.value);
     }
@@ -48,7 +52,7 @@ LogEntry entry(Event event, int priority, const QString &message, const PackageT
 
 QString fileNames(const QStringList &files)
 {
-    return files.join(QStringLiteral(", "));
+    return files.isEmpty() ? QStringLiteral("no file") : files.join(QStringLiteral(", "));
 }
 
 // The report's file name: when, where and what, in characters every stick's file system takes.
