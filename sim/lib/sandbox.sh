@@ -292,7 +292,7 @@ if [ -n "$_SIM_TIME" ]; then
     # The wall clock stands still; the monotonic one, which timers and timeouts use, runs on.
     # AddressSanitizer would refuse a library loaded before its own.
     time_env=(LD_PRELOAD="$_SIM_FAKETIME${LD_PRELOAD:+ $LD_PRELOAD}" FAKETIME_FMT=%s
-        FAKETIME="$_SIM_TIME" FAKETIME_DONT_FAKE_MONOTONIC=1
+        FAKETIME="$_SIM_TIME" FAKETIME_DONT_FAKE_MONOTONIC=1 NO_FAKE_STAT=1
         ASAN_OPTIONS="${ASAN_OPTIONS:+$ASAN_OPTIONS:}verify_asan_link_order=0")
 fi
 cwd=$_SIM_CWD

@@ -97,7 +97,7 @@ check "without --time the clock is the host's" is out "$(date +%Y)"
 
 # The program's font library rewrites a cache it finds stale; on the client none is.
 fonts_time=$(stat -c %y /usr/share/fonts)
-for option in '' --stale-font-cache; do
+for option in '' --time=@1768478400 --stale-font-cache; do
     sim $option -- sh -c 'stat -c %y /usr/share/fonts; fc-list >/dev/null'
     check "${option:-by default}: the font caches are valid, the font library rewrites none" \
         eval "! grep -q fontconfig $work/report"
