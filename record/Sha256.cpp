@@ -67,7 +67,8 @@ Sha256Worker::Sha256Worker(const PackageType &type, const QString &dir, const QS
                            QObject *parent)
     : QThread(parent), paths(judgedPaths(type, dir, files))
 {
-    start();
+    // Only time no other thread wants: the installation and the window come first.
+    start(QThread::IdlePriority);
 }
 
 Sha256Worker::~Sha256Worker()

@@ -17,8 +17,9 @@ struct PackageType;
 
 // Takes the SHA-256 of the files picked from a stick on a thread of its own, so that an
 // installation running beside it waits for nothing. Reads only a file that the safety rules
-// offer as the type when it is made (a link off the stick is never followed). Starts in its
-// constructor and waits for itself in its destructor.
+// offer as the type when it is made (a link off the stick is never followed). Runs at idle
+// priority, so that on a busy client the installation and the window are not slowed. Starts in
+// its constructor and waits for itself in its destructor.
 class Sha256Worker : public QThread
 {
     Q_OBJECT
