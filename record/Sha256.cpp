@@ -5,6 +5,7 @@
 
 #include <QFile>
 
+#include <openssl/crypto.h>
 #include <openssl/evp.h>
 
 #include <fcntl.h>
@@ -13,24 +14,23 @@
 #include <memory>
 #include <vector>
 
-namespace record {
+namespace {
 
-QString sha256OfFile(const QString &path)
+// SHA-256 of an open file's bytes as 64 lower-case hexadecimal digits; empty when it is not a
+// regular file or cannot be read.
+QString sha256Of(int fd)
 {
-    // Non-blocking, so that a FIFO put where a file was is refused rather than waited on.
-    const UniqueFd fd(
-        ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat info;
-    if (!fd.valid() || ::fstat(fd.get(), &info) != 0 || !S_ISREG(info.st_mode))
+    if (::fstat(fd, &info) != 0 || !S_ISREG(info.st_mode))
         return {};
-    ::posix_fadvise(fd.get(), 0, 0, POSIX_FADV_SEQUENTIAL);
+    ::posix_fadvise(fd, 0, 0, POSIX_FADV_SEQUENTIAL);
     const std::unique_ptr<EVP_MD_CTX, void (*)(EVP_MD_CTX *)> context(EVP_MD_CTX_new(),
                                                                       EVP_MD_CTX_free);
     if (!context || EVP_DigestInit_ex(context.get(), EVP_sha256(), nullptr) != 1)
         return {};
     std::vector<unsigned char> buffer(1 << 20);
     for (;;) {
-        const ssize_t got = ::read(fd.get(), buffer.data(), buffer.size());
+        const ssize_t got = ::read(fd, buffer.data(), buffer.size());
         if (got == 0)
             break;
         if (got < 0 || EVP_DigestUpdate(context.get(), buffer.data(), size_t(got)) != 1)
@@ -44,28 +44,31 @@ QString sha256OfFile(const QString &path)
         QByteArray(reinterpret_cast<const char *>(digest), int(size)).toHex());
 }
 
-} // namespace record
-
-namespace {
-
-// Each file's path where the safety rules offer it as type, else an empty text. Judged before
-// the installation starts: a certificate's installer puts a blank-free copy on the stick for a
-// while, which the rule would then find standing in the name's way.
-QStringList judgedPaths(const PackageType &type, const QString &dir, const QStringList &files)
+// Each file opened where the safety rules offer it as type, else null. Judged before the
+// installation starts: a certificate's installer puts a blank-free copy on the stick for a
+// while, which the rule would then find standing in the name's way. Non-blocking, so that a
+// FIFO put there between the judgement and the opening is refused rather than waited on.
+std::vector<std::unique_ptr<UniqueFd>> judgedFiles(const PackageType &type, const QString &dir,
+                                                   const QStringList &picked)
 {
     const StickDirectory stick(dir);
-    QStringList paths;
-    for (const QString &file : files)
-        paths.append(stick.judgeAgain(type, file).offered() ? dir + QLatin1Char('/') + file
-                                                            : QString());
-    return paths;
+    std::vector<std::unique_ptr<UniqueFd>> files;
+    for (const QString &file : picked) {
+        std::unique_ptr<UniqueFd> fd;
+        if (stick.judgeAgain(type, file).offered())
+            fd = std::make_unique<UniqueFd>(
+                ::open(QFile::encodeName(dir + QLatin1Char('/') + file).constData(),
+                       O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+        files.push_back(fd && fd->valid() ? std::move(fd) : nullptr);
+    }
+    return files;
 }
 
 } // namespace
 
-Sha256Worker::Sha256Worker(const PackageType &type, const QString &dir, const QStringList &files,
+Sha256Worker::Sha256Worker(const PackageType &type, const QString &dir, const QStringList &picked,
                            QObject *parent)
-    : QThread(parent), paths(judgedPaths(type, dir, files))
+    : QThread(parent), files(judgedFiles(type, dir, picked))
 {
     // Only time no other thread wants: the installation and the window come first.
     start(QThread::IdlePriority);
@@ -85,7 +88,9 @@ QStringList Sha256Worker::digests()
 void Sha256Worker::run()
 {
     QStringList taken;
-    for (const QString &path : paths)
-        taken.append(path.isEmpty() ? QString() : record::sha256OfFile(path));
+    for (const std::unique_ptr<UniqueFd> &fd : files)
+        taken.append(fd ? sha256Of(fd->get()) : QString());
     results = taken;
+    // libcrypto keeps state for each thread that used it until the thread says it is done.
+    OPENSSL_thread_stop();
 }

@@ -5,27 +5,26 @@
 #include <QStringList>
 #include <QThread>
 
-namespace record {
+#include <memory>
+#include <vector>
 
-// SHA-256 of a file's bytes as 64 lower-case hexadecimal digits, with libcrypto's accelerated
-// code; empty when the file cannot be read or is not a regular file.
-QString sha256OfFile(const QString &path);
-
-} // namespace record
+class UniqueFd;
 
 struct PackageType;
 
-// Takes the SHA-256 of the files picked from a stick on a thread of its own, so that an
-// installation running beside it waits for nothing. Reads only a file that the safety rules
-// offer as the type when it is made (a link off the stick is never followed). Runs at idle
-// priority, so that on a busy client the installation and the window are not slowed. Starts in
-// its constructor and waits for itself in its destructor.
+// Takes the SHA-256 (libcrypto's accelerated code) of the files picked from a stick on a thread
+// of its own, so that an installation running beside it waits for nothing. Each file is judged
+// by the safety rules and opened when the worker is made, before the installation's first
+// command, and read through that descriptor: a name that becomes a link or a FIFO while the
+// installation runs changes nothing of what is read. Runs at idle priority, so that on a busy
+// client the installation and the window are not slowed. Starts in its constructor and waits
+// for itself in its destructor.
 class Sha256Worker : public QThread
 {
     Q_OBJECT
 
 public:
-    Sha256Worker(const PackageType &type, const QString &dir, const QStringList &files,
+    Sha256Worker(const PackageType &type, const QString &dir, const QStringList &picked,
                  QObject *parent = nullptr);
     ~Sha256Worker() override;
 
@@ -37,7 +36,7 @@ protected:
     void run() override;
 
 private:
-    const QStringList paths; // empty where a file is not to be read
+    std::vector<std::unique_ptr<UniqueFd>> files; // null where a file is not to be read
     QStringList results;
 };
 
