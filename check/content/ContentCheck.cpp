@@ -12,6 +12,8 @@
 
 #include <QThreadPool>
 
+#include <openssl/crypto.h>
+
 namespace {
 
 // The most of a file each reader holds in memory.
@@ -117,6 +119,9 @@ void readContents(const QString &dir, const QList<ContentJob> &jobs, const Conte
     for (const ContentJob &job : jobs)
         pool.start([&dir, job, &options] {
             *job.report = readContent(dir, job.name, job.types, options);
+            // libcrypto keeps state for each thread that used it until the thread says it is
+            // done; the pool's threads end without a word otherwise.
+            OPENSSL_thread_stop();
         });
     pool.waitForDone();
 }
