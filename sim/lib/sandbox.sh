@@ -222,11 +222,12 @@ else
     mount -t tmpfs -o mode=0755 usbi-sim-journal "$root/run/systemd/journal" ||
         fail "cannot mount a folder for the journal's socket"
 fi
+# The listener runs here, outside the command's root, where /proc is not the namespace's own: a
+# sanitizer build's leak check, which reads /proc/PID/task at exit, cannot work (the sanitizer
+# runs are about the program, not the listener).
+run_logsink() { ASAN_OPTIONS=${ASAN_OPTIONS:+$ASAN_OPTIONS:}detect_leaks=0 "$logsink" "$@"; }
 if [ -x "$logsink" ]; then
-    # Started before the namespace's own /proc is in place: a sanitizer build's leak check,
-    # which reads /proc/PID/task at exit, cannot work here (it is the program's, not the
-    # listener's, that the sanitizer runs are about).
-    ASAN_OPTIONS=${ASAN_OPTIONS:+$ASAN_OPTIONS:}detect_leaks=0 "$logsink" "$journal_socket" "$root$log_dir/journal.log" "$root/dev/log" \
+    run_logsink "$journal_socket" "$root$log_dir/journal.log" "$root/dev/log" \
         "$root$log_dir/syslog.log" || fail "cannot listen on the system log's sockets"
 else
     printf 'sim/run: %s is not built: nothing listens on the system log\n' "$logsink" >&2
@@ -314,8 +315,8 @@ status=$?
 # Whatever the command sent to the system log is written out; whatever it left running
 # (desktop programs started with "&") ends here, the listeners with it.
 if [ -n "$logsink" ]; then
-    "$logsink" --sync "$journal_socket"
-    "$logsink" --sync "$root/dev/log"
+    run_logsink --sync "$journal_socket"
+    run_logsink --sync "$root/dev/log"
 fi
 kill -KILL -1 2>/dev/null
 for _ in $(seq 100); do
